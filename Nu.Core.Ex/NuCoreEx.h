@@ -11,5 +11,6 @@
 #include <Nu.Core.Ex/IImage.h>
 #include <Nu.Core.Ex/NuImage.h>
 #include <Nu.Core.Ex/NuImageFormat.h>
+#include <Nu.Core.Ex/NuImageMoniker.h>
 #include <Nu.Core.Ex/NuOutOfMemoryException.h>
 #include <Nu.Core.Ex/TPixel.h>
