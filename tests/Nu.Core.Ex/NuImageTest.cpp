@@ -124,8 +124,8 @@ TEST(NuImage, BadSizeRaisesAndKeepsTheImage) {
   ASSERT_TRUE(image.Create(4, 4, EPixelType::RGB, EDataType::UByte));
   Fill(image);
   void const* block = image.RawData();
-  for (auto [width, height] : {std::pair{0, 10}, {-1, 10}, {10, 0}, {3, -7}}) {
-    ExpectRaises([&] { image.Create(width, height, EPixelType::RGB, EDataType::UByte); },
+  for (auto const& size : {std::pair{0, 10}, {-1, 10}, {10, 0}, {3, -7}}) {
+    ExpectRaises([&] { image.Create(size.first, size.second, EPixelType::RGB, EDataType::UByte); },
                  {{"Error creating image", "Create", ImageFile},
                   {"Image width or height is 0", "Create", ImageFile}});
   }

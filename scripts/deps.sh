@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Installs what the build needs from Debian's packages, where it is missing.
+set -euo pipefail
+packages=()
+command -v cmake >/dev/null || packages+=(cmake)
+command -v ninja >/dev/null || packages+=(ninja-build)
+command -v g++ >/dev/null || packages+=(g++)
+command -v clang++ >/dev/null || packages+=(clang)
+command -v pkg-config >/dev/null || packages+=(pkg-config)
+[ -f /usr/include/gtest/gtest.h ] || packages+=(libgtest-dev libgmock-dev)
+[ -f /usr/include/benchmark/benchmark.h ] || packages+=(libbenchmark-dev)
+if [ "${#packages[@]}" -gt 0 ]; then
+  echo "installing: ${packages[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  apt-get update -qq
+  apt-get install -y -qq "${packages[@]}"
+fi

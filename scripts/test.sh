@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Builds and runs the whole test suite: optimised with g++ (warnings are errors), then with
+# clang under AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/deps.sh
+jobs=$(nproc)
+
+stage() {
+  local name=$1
+  shift
+  local start=$SECONDS
+  echo "== stage: $name"
+  "$@"
+  echo "== stage: $name done in $((SECONDS - start)) s"
+}
+
+release() {
+  cmake --preset release >/dev/null
+  cmake --build --preset release -j "$jobs"
+  ctest --preset release -j "$jobs"
+}
+
+sanitize() {
+  cmake --preset sanitize >/dev/null
+  cmake --build --preset sanitize -j "$jobs"
+  ctest --preset sanitize -j "$jobs"
+}
+
+stage release release
+stage sanitize sanitize
