@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds and runs the whole test suite: optimised with g++ (warnings are errors), then with
-# clang under AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer.
+# Builds and runs the whole test suite: optimised with g++ (warnings are errors), the exported
+# symbol guard, an outside program against the installed tree, then everything again with clang
+# under AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
@@ -28,4 +29,6 @@ sanitize() {
 }
 
 stage release release
+stage abi scripts/abi.sh build/release
+stage downstream scripts/downstream.sh build/release
 stage sanitize sanitize
