@@ -7,6 +7,8 @@ command -v ninja >/dev/null || packages+=(ninja-build)
 command -v g++ >/dev/null || packages+=(g++)
 command -v clang++ >/dev/null || packages+=(clang)
 command -v pkg-config >/dev/null || packages+=(pkg-config)
+command -v valgrind >/dev/null || packages+=(valgrind)
+command -v xxd >/dev/null || packages+=(xxd)
 [ -f /usr/include/gtest/gtest.h ] || packages+=(libgtest-dev libgmock-dev)
 [ -f /usr/include/benchmark/benchmark.h ] || packages+=(libbenchmark-dev)
 if [ "${#packages[@]}" -gt 0 ]; then
