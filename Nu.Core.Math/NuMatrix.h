@@ -237,6 +237,8 @@ void CNuMatrix<T>::SetDimensions(unsigned long rows, unsigned long columns) {
   } catch (CNuException& cause) {
     this->Rows = 0;
     this->Columns = 0;
+    // An element that raised after the reservation leaves Storage in a new block.
+    this->Data = Storage.data();
     NU_RAISE_WRAPPED(Detail::NuMatrixFile, "Error resizing matrix", cause);
   }
 }
