@@ -7,7 +7,9 @@ CNuArray2DDouble::CNuArray2DDouble() : Impl(std::make_unique<CNuArray2DBase<doub
 CNuArray2DDouble::CNuArray2DDouble(unsigned long rows, unsigned long columns)
     : Impl(std::make_unique<CNuArray2DBase<double>>(rows, columns)) {}
 
-CNuArray2DDouble::CNuArray2DDouble(CNuArray2DDouble const& other) : CNuArray2DDouble() { *this = other; }
+CNuArray2DDouble::CNuArray2DDouble(CNuArray2DDouble const& other) : CNuArray2DDouble() {
+  *this = other;
+}
 
 // No self-assignment test: the block is then copied onto itself, which changes nothing.
 CNuArray2DDouble& CNuArray2DDouble::operator=(CNuArray2DDouble const& other) {
@@ -29,7 +31,9 @@ CNuArray2DDouble::~CNuArray2DDouble() = default;
 
 void CNuArray2DDouble::New(unsigned long rows, unsigned long columns) { Impl->New(rows, columns); }
 
-void CNuArray2DDouble::Resize(unsigned long rows, unsigned long columns) { Impl->Resize(rows, columns); }
+void CNuArray2DDouble::Resize(unsigned long rows, unsigned long columns) {
+  Impl->Resize(rows, columns);
+}
 
 void CNuArray2DDouble::Delete() { Impl->Delete(); }
 
@@ -39,7 +43,9 @@ void CNuArray2DDouble::CopyFrom(IMemory2DAccess const* source) { Impl->CopyFrom(
 
 void* CNuArray2DDouble::GetPointer() { return GetDataPtr(); }
 
-double& CNuArray2DDouble::operator()(unsigned long row, unsigned long column) { return (*Impl)(row, column); }
+double& CNuArray2DDouble::operator()(unsigned long row, unsigned long column) {
+  return (*Impl)(row, column);
+}
 
 double const& CNuArray2DDouble::operator()(unsigned long row, unsigned long column) const {
   return static_cast<CNuArray2DBase<double> const&>(*Impl)(row, column);

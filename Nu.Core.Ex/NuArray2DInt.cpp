@@ -29,7 +29,9 @@ CNuArray2DInt::~CNuArray2DInt() = default;
 
 void CNuArray2DInt::New(unsigned long rows, unsigned long columns) { Impl->New(rows, columns); }
 
-void CNuArray2DInt::Resize(unsigned long rows, unsigned long columns) { Impl->Resize(rows, columns); }
+void CNuArray2DInt::Resize(unsigned long rows, unsigned long columns) {
+  Impl->Resize(rows, columns);
+}
 
 void CNuArray2DInt::Delete() { Impl->Delete(); }
 
@@ -39,7 +41,9 @@ void CNuArray2DInt::CopyFrom(IMemory2DAccess const* source) { Impl->CopyFrom(sou
 
 void* CNuArray2DInt::GetPointer() { return GetDataPtr(); }
 
-int& CNuArray2DInt::operator()(unsigned long row, unsigned long column) { return (*Impl)(row, column); }
+int& CNuArray2DInt::operator()(unsigned long row, unsigned long column) {
+  return (*Impl)(row, column);
+}
 
 int const& CNuArray2DInt::operator()(unsigned long row, unsigned long column) const {
   return static_cast<CNuArray2DBase<int> const&>(*Impl)(row, column);

@@ -67,7 +67,8 @@ CNuString const& CNuArrayString::operator[](unsigned long index) const {
 CNuString* CNuArrayString::GetDataPtr() { return static_cast<CNuString*>(Impl->GetPointer()); }
 
 CNuString const* CNuArrayString::GetDataPtr() const {
-  return static_cast<CNuString const*>(static_cast<CNuArrayBase<CNuString> const&>(*Impl).GetPointer());
+  return static_cast<CNuString const*>(
+      static_cast<CNuArrayBase<CNuString> const&>(*Impl).GetPointer());
 }
 
 }  // namespace Nu

@@ -45,10 +45,13 @@ unsigned char const& CNuArrayUChar::operator[](unsigned long index) const {
   return static_cast<CNuArrayBase<unsigned char> const&>(*Impl)[index];
 }
 
-unsigned char* CNuArrayUChar::GetDataPtr() { return static_cast<unsigned char*>(Impl->GetPointer()); }
+unsigned char* CNuArrayUChar::GetDataPtr() {
+  return static_cast<unsigned char*>(Impl->GetPointer());
+}
 
 unsigned char const* CNuArrayUChar::GetDataPtr() const {
-  return static_cast<unsigned char const*>(static_cast<CNuArrayBase<unsigned char> const&>(*Impl).GetPointer());
+  return static_cast<unsigned char const*>(
+      static_cast<CNuArrayBase<unsigned char> const&>(*Impl).GetPointer());
 }
 
 }  // namespace Nu

@@ -48,7 +48,8 @@ unsigned int const& CNuArrayUInt::operator[](unsigned long index) const {
 unsigned int* CNuArrayUInt::GetDataPtr() { return static_cast<unsigned int*>(Impl->GetPointer()); }
 
 unsigned int const* CNuArrayUInt::GetDataPtr() const {
-  return static_cast<unsigned int const*>(static_cast<CNuArrayBase<unsigned int> const&>(*Impl).GetPointer());
+  return static_cast<unsigned int const*>(
+      static_cast<CNuArrayBase<unsigned int> const&>(*Impl).GetPointer());
 }
 
 }  // namespace Nu

@@ -7,8 +7,8 @@
 
 namespace Nu {
 
-// The exported array of unsigned 32-bit ints: owns a CNuArrayBase<unsigned int> of its own and forwards to it, so
-// that copies are deep. Sizing, copying and failures are those of CNuArrayBase<unsigned int>.
+// The exported array of unsigned 32-bit ints: owns a CNuArrayBase<unsigned int> of its own and forwards to
+// it, so that copies are deep. Sizing, copying and failures are those of the template.
 class NU_CORE_EX_EXPORT CNuArrayUInt : public IMemory {
 public:
   // The empty array; no block.
@@ -38,7 +38,7 @@ public:
   void Delete() override;
   // Zero bytes over the elements.
   void Reset() override;
-  // Takes any source of element size sizeof(unsigned int) bit for bit; raises on null or unequal sizes.
+  // Takes any source of unsigned int size bit for bit; raises on null or unequal sizes.
   void CopyFrom(IMemoryAccess const* source) override;
   void* GetPointer() override;
   using IMemory::GetPointer;

@@ -45,10 +45,13 @@ unsigned short const& CNuArrayUShort::operator[](unsigned long index) const {
   return static_cast<CNuArrayBase<unsigned short> const&>(*Impl)[index];
 }
 
-unsigned short* CNuArrayUShort::GetDataPtr() { return static_cast<unsigned short*>(Impl->GetPointer()); }
+unsigned short* CNuArrayUShort::GetDataPtr() {
+  return static_cast<unsigned short*>(Impl->GetPointer());
+}
 
 unsigned short const* CNuArrayUShort::GetDataPtr() const {
-  return static_cast<unsigned short const*>(static_cast<CNuArrayBase<unsigned short> const&>(*Impl).GetPointer());
+  return static_cast<unsigned short const*>(
+      static_cast<CNuArrayBase<unsigned short> const&>(*Impl).GetPointer());
 }
 
 }  // namespace Nu

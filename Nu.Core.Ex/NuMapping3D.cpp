@@ -100,8 +100,8 @@ bool CNuMapping3D::Create(float minX, float minY, float minZ, float maxX, float 
 }
 
 bool CNuMapping3D::Create(CNuMapping3D const& mapping) {
-  return Create(mapping.MinX, mapping.MinY, mapping.MinZ, mapping.MaxX, mapping.MaxY,
-                mapping.MaxZ, mapping.CountX, mapping.CountY, mapping.CountZ, mapping.Data);
+  return Create(mapping.MinX, mapping.MinY, mapping.MinZ, mapping.MaxX, mapping.MaxY, mapping.MaxZ,
+                mapping.CountX, mapping.CountY, mapping.CountZ, mapping.Data);
 }
 
 bool CNuMapping3D::Create(CNuMapping3D&& mapping) {
@@ -164,11 +164,11 @@ bool CNuMapping3D::Map(float& x, float& y, float& z) {
   if (iz >= CountZ || iz < 0) return false;
   // The index is a signed 32-bit value; it is formed in unsigned arithmetic so that a wrap is
   // the two's complement one rather than undefined behaviour.
-  auto const index = static_cast<int>(
-      static_cast<unsigned int>(iz) *
-          (static_cast<unsigned int>(CountX) * static_cast<unsigned int>(CountY)) +
-      static_cast<unsigned int>(ix) * static_cast<unsigned int>(CountY) +
-      static_cast<unsigned int>(iy));
+  auto const index =
+      static_cast<int>(static_cast<unsigned int>(iz) *
+                           (static_cast<unsigned int>(CountX) * static_cast<unsigned int>(CountY)) +
+                       static_cast<unsigned int>(ix) * static_cast<unsigned int>(CountY) +
+                       static_cast<unsigned int>(iy));
   float const value = Data[index];
   if (value == 0.0f) return false;
   z = z + value;

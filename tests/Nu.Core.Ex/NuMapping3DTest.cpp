@@ -94,9 +94,9 @@ TEST(NuMapping3D, FacesEdgesCornersAndNaNAreOutside) {
   struct Point {
     float X, Y, Z;
   };
-  for (Point p : {Point{0, 0.5f, 0.5f}, Point{3, 0.5f, 0.5f}, Point{1, 0, 1}, Point{1, 1, 2},
-                  Point{0, 0, 0}, Point{3, 2, 2}, Point{-1, 1, 1}, Point{NaN, 1, 1},
-                  Point{1, NaN, 1}, Point{1, 1, NaN}}) {
+  for (Point p :
+       {Point{0, 0.5f, 0.5f}, Point{3, 0.5f, 0.5f}, Point{1, 0, 1}, Point{1, 1, 2}, Point{0, 0, 0},
+        Point{3, 2, 2}, Point{-1, 1, 1}, Point{NaN, 1, 1}, Point{1, NaN, 1}, Point{1, 1, NaN}}) {
     SCOPED_TRACE(testing::Message() << p.X << ", " << p.Y << ", " << p.Z);
     EXPECT_FALSE(mapping.Contains(p.X, p.Y, p.Z));
     float x = p.X, y = p.Y, z = p.Z;
