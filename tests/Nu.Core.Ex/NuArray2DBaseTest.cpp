@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <utility>
 #include <vector>
 
 using namespace Nu;
@@ -51,7 +52,9 @@ TEST(NuArray2D, ElementsStandRowAfterRowAndBoundsAreTested) {
   EXPECT_EQ(array.GetDataPtr()[1], 1.5);
   CNuArray2DDouble const& constant = array;
   EXPECT_EQ(constant(1, 2), 6.5);
-  for (auto [row, column] : {std::pair{2ul, 0ul}, {0ul, 3ul}, {5ul, 5ul}}) {
+  for (auto const& index : {std::pair{2ul, 0ul}, {0ul, 3ul}, {5ul, 5ul}}) {
+    unsigned long const row = index.first;
+    unsigned long const column = index.second;
     SCOPED_TRACE(testing::Message() << row << ", " << column);
     ExpectRaises([&] { array(row, column); },
                  {{"Array index out of bounds", "operator()", ArrayFile}});
@@ -122,7 +125,7 @@ TEST(NuArray2D, CopiesAreDeep) {
   original(1, 1) = -1.0;
   EXPECT_EQ(copy(1, 1), 4.0);
   EXPECT_EQ(assigned(1, 1), 4.0);
-  assigned = assigned;
+  assigned = *&assigned;
   EXPECT_EQ(assigned(1, 1), 4.0);
 
   CNuArray2DInt const empty;

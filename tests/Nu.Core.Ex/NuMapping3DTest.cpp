@@ -133,6 +133,16 @@ TEST(NuMapping3D, OneNodeAxisHasAnInfiniteStepAndIndexZero) {
   EXPECT_FALSE(mapping.Contains(2, 0.5f, 0.5f));
 }
 
+TEST(NuMapping3D, AQuotientThatIsNoNumberIsRefused) {
+  // Max - Min overflows: the step is infinite, and far from MinX x - MinX is infinite too, so
+  // the quotient is a NaN. Its conversion must not be undefined; it is refused.
+  CNuMapping3D mapping;
+  std::vector<float> const nodes(8, 1.0f);
+  ASSERT_TRUE(mapping.Create(-3e38f, 0, 0, 3e38f, 1, 1, 2, 2, 2, nodes.data()));
+  EXPECT_EQ(MappedZ(mapping, 2e38f, 0.5f, 0.5f), 1000.0f);
+  EXPECT_EQ(MappedZ(mapping, 0.0f, 0.5f, 0.5f), 1.5f);
+}
+
 TEST(NuMapping3D, AnInvertedBoxIsAcceptedButContainsNothing) {
   CNuMapping3D mapping;
   ASSERT_TRUE(mapping.Create(1, 0, 0, 0, 1, 1, 2, 2, 2, nullptr));
@@ -188,7 +198,7 @@ TEST(NuMapping3D, CopiesOwnTheirTable) {
   original.SetZero();
   EXPECT_EQ(MappedZ(copy, 2.5f, 1.5f, 1.5f), 21.5f);
   EXPECT_EQ(MappedZ(assigned, 2.5f, 1.5f, 1.5f), 21.5f);
-  assigned = assigned;
+  assigned = *&assigned;
   EXPECT_EQ(MappedZ(assigned, 2.5f, 1.5f, 1.5f), 21.5f);
 
   CNuMapping3D const empty;
