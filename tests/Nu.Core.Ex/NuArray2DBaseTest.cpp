@@ -74,31 +74,6 @@ TEST(NuArray2D, AZeroDimensionGivesNoBlockAndNoElement) {
   EXPECT_FALSE(empty.IsValid());
 }
 
-TEST(NuArray2D, SizingIsTheMatrixs) {
-  CNuArray2DInt array(2, 2);
-  array(0, 0) = 1;
-  array(0, 1) = 2;
-  array(1, 0) = 3;
-  array(1, 1) = 4;
-  array.Resize(3, 1);  // by position
-  EXPECT_EQ(array(0, 0), 1);
-  EXPECT_EQ(array(1, 0), 3);
-  EXPECT_EQ(array(2, 0), 0);
-  array.New(1, 3);  // by flat prefix
-  EXPECT_EQ(array(0, 1), 3);
-  array.Delete();
-  ExpectSize(array, 0, 0);
-  EXPECT_TRUE(array.IsValid());
-  unsigned long const huge = std::numeric_limits<unsigned long>::max() / 4;
-  array.Resize(1, 1);
-  try {
-    array.Resize(huge, 2);
-    ADD_FAILURE() << "nothing was raised";
-  } catch (CNuOutOfMemoryException const& e) {
-    NuTest::ExpectChain(e, {{"Error resizing matrix:std::bad_alloc", "Resize", MatrixFile}});
-  }
-}
-
 TEST(NuArray2D, CopyFromComparesElementSizesOnly) {
   CNuArray2DInt ints(1, 1);
   ints(0, 0) = 7;

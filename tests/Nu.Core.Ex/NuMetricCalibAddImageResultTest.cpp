@@ -14,11 +14,3 @@ TEST(NuMetricCalibAddImageResult, DefaultSaysNothingWasAdded) {
   EXPECT_EQ(result.Texts.Length(), 0u);
 }
 
-TEST(NuMetricCalibAddImageResult, CopiesOwnTheirArrays) {
-  Nu::CNuMetricCalibAddImageResult result;
-  result.Texts.Resize(1);
-  result.Texts[0] = "first";
-  Nu::CNuMetricCalibAddImageResult copy(result);
-  result.Texts[0] = "second";
-  EXPECT_STREQ(copy.Texts[0].ToCString(), "first");
-}

@@ -90,11 +90,7 @@ TEST(NuMatrix, DefaultIsEmptyAndInvalid) {
   EXPECT_FALSE(matrix.IsValid());
   EXPECT_EQ(matrix.GetElementSize(), sizeof(int));
   EXPECT_EQ(CNuMatrix<double>().GetElementSize(), sizeof(double));
-}
-
-TEST(NuMatrix, PrecisionIsTheTypesDefault) {
   EXPECT_EQ(CNuMatrix<double>().Precision, 1e-12);
-  EXPECT_EQ(CNuMatrix<int>().Precision, 0);
 }
 
 TEST(NuMatrix, ZeroProductAllocatesNothingAndKeepsTheDimensions) {
