@@ -95,6 +95,7 @@ void const* CNuArrayBase<T>::GetPointer() const {
   return Elements.data();
 }
 
+// An array has no invalid state: empty is valid. Unlike the 2-D containers, by design.
 template <class T>
 bool CNuArrayBase<T>::IsValid() const {
   return true;
@@ -103,6 +104,7 @@ bool CNuArrayBase<T>::IsValid() const {
 template <class T>
 CNuArrayBase<T>::~CNuArrayBase() = default;
 
+// New does not discard content: it is Resize under another function name, as callers expect.
 template <class T>
 void CNuArrayBase<T>::New(unsigned long length) {
   try {
@@ -123,6 +125,7 @@ void CNuArrayBase<T>::Resize(unsigned long length) {
 
 template <class T>
 void CNuArrayBase<T>::Delete() {
+  // clear keeps the capacity: a reused array costs no allocation and GetPointer stays put.
   Elements.clear();
 }
 
@@ -141,6 +144,8 @@ void CNuArrayBase<T>::CopyFrom(IMemoryAccess const* source) {
   if (source->GetElementSize() != GetElementSize()) {
     NU_RAISE(Detail::NuArrayBaseFile, "Element sizes of memory blocks do not agree");
   }
+  // Only the element sizes were compared: an int array takes unsigned ints, or any foreign block
+  // of 4-byte elements, bit for bit. IsValid of the source is not asked.
   Resize(source->Length());
   if (Elements.empty()) return;
   void const* from = source->GetPointer();

@@ -7,8 +7,8 @@
 
 namespace Nu {
 
-// The exported array of unsigned bytes: owns a CNuArrayBase<unsigned char> of its own and forwards to
-// it, so that copies are deep. Sizing, copying and failures are those of the template.
+// The exported array of unsigned bytes: owns a CNuArrayBase<unsigned char> of its own and forwards
+// to it, so that copies are deep. Sizing, copying and failures are those of the template.
 class NU_CORE_EX_EXPORT CNuArrayUChar : public IMemory {
 public:
   // The empty array; no block.

@@ -147,6 +147,7 @@ void CNuMapping3D::SetZero() {
 }
 
 bool CNuMapping3D::Contains(float x, float y, float z) {
+  // All strict: points on faces, edges and corners are outside, so are NaNs.
   return MinX < x && x < MaxX && MinY < y && y < MaxY && MinZ < z && z < MaxZ;
 }
 

@@ -69,6 +69,7 @@ protected:
   float StepX;
   float StepY;
   float StepZ;
+  // Kept for layout compatibility; no operation reads, writes, copies or moves it.
   CNuString Text;
 };
 

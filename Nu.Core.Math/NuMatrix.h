@@ -155,7 +155,8 @@ void CNuMatrix<T>::Resize(unsigned long rows, unsigned long columns) {
     }
     this->Data = Storage.data();
   } catch (std::bad_alloc& cause) {
-    // The old block survives behind Data, unreachable by index.
+    // The old block survives behind Data, unreachable by index. The message has no blank after
+    // the colon; callers match it as it is.
     this->Rows = 0;
     this->Columns = 0;
     NU_RAISE_AS(CNuOutOfMemoryException, Detail::NuMatrixFile,
@@ -227,6 +228,9 @@ void* CNuMatrix<T>::GetPointer() {
   return this->Data;
 }
 
+// Guards against CNuException only, which the growth itself never raises: std::bad_alloc and
+// std::length_error pass with the requested dimensions stored. Resize turns std::bad_alloc into
+// CNuOutOfMemoryException instead; the two paths differ on purpose.
 template <class T>
 void CNuMatrix<T>::SetDimensions(unsigned long rows, unsigned long columns) {
   try {

@@ -94,4 +94,3 @@ TEST(NuArrayString, CopiesAreDeepAndOtherElementSizesAreRefused) {
   EXPECT_EQ(Texts(copy), (std::vector<std::string>{"x", "z"}));
   ExpectRaises([&] { copy[2]; }, {{"Array index out of bounds", "operator[]", ArrayFile}});
 }
-

@@ -13,4 +13,3 @@ TEST(NuMetricCalibAddImageResult, DefaultSaysNothingWasAdded) {
   EXPECT_EQ(result.ListB.Length(), 0u);
   EXPECT_EQ(result.Texts.Length(), 0u);
 }
-
