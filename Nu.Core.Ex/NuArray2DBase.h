@@ -21,11 +21,13 @@ public:
   // rows by columns zeros; a zero product allocates nothing. Fails as the matrix does.
   CNuArray2DBase(unsigned long rows, unsigned long columns);
 
+  // The size of one element; the row count, then the column count; the first element.
   unsigned long GetElementSize() const override;
   void GetSize(unsigned long& rows, unsigned long& columns) const override;
   void const* GetPointer() const override;
   // True when a block exists, also after Delete.
   bool IsValid() const override;
+  // Releases the block (and Impl).
   ~CNuArray2DBase() override;
   // Reshapes the flat block, keeping the flat prefix (CNuMatrix::SetDimensions).
   void New(unsigned long rows, unsigned long columns) override;
@@ -38,6 +40,7 @@ public:
   // Dimensions and one byte copy of a source of equal element size; raises "cannot copy
   // Memory2D, elementSize is different". No test for null.
   void CopyFrom(IMemory2DAccess const* source) override;
+  // The first element, writable.
   void* GetPointer() override;
   using IMemory2D::GetPointer;
 

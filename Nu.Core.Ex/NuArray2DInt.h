@@ -23,11 +23,13 @@ public:
   // block when it is large enough. Returns the array itself.
   CNuArray2DInt& operator=(CNuArray2DInt const& other);
 
+  // The size of one element; the row count, then the column count; the first element.
   unsigned long GetElementSize() const override;
   void GetSize(unsigned long& rows, unsigned long& columns) const override;
   void const* GetPointer() const override;
   // True when a block exists, also after Delete.
   bool IsValid() const override;
+  // Releases the block (and Impl).
   ~CNuArray2DInt() override;
   // Reshapes the flat block, keeping the flat prefix.
   void New(unsigned long rows, unsigned long columns) override;
@@ -40,6 +42,7 @@ public:
   // Takes any source of element size sizeof(int) bit for bit; raises "cannot copy Memory2D,
   // elementSize is different" otherwise. No test for null.
   void CopyFrom(IMemory2DAccess const* source) override;
+  // The first element, writable.
   void* GetPointer() override;
   using IMemory2D::GetPointer;
 

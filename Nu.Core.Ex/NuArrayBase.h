@@ -32,11 +32,13 @@ public:
 
   // sizeof(T).
   unsigned long GetElementSize() const override;
+  // The number of elements.
   unsigned long Length() const override;
   // The first element; null as long as no block was ever allocated.
   void const* GetPointer() const override;
   // True always: an empty array is a usable array.
   bool IsValid() const override;
+  // Destroys the elements and releases the block.
   ~CNuArrayBase() override;
   // The same as Resize: content is kept, it is not a fresh array. Raises
   // CNuOutOfMemoryException (function "New") when the block cannot be allocated.
@@ -53,6 +55,7 @@ public:
   // are compared. Raises "Invalid memory interface pointer" for null and "Element sizes of
   // memory blocks do not agree", both leaving the array unchanged.
   void CopyFrom(IMemoryAccess const* source) override;
+  // The first element, writable.
   void* GetPointer() override;
   using IMemory::GetPointer;
 

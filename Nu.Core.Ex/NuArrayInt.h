@@ -23,12 +23,14 @@ public:
   // A failed allocation reaches the caller as std::bad_alloc.
   CNuArrayInt& operator=(CNuArrayInt const& other);
 
+  // The size of one element and the number of elements.
   unsigned long GetElementSize() const override;
   unsigned long Length() const override;
   // The first element; null as long as no block was ever allocated.
   void const* GetPointer() const override;
   // True always, also when empty.
   bool IsValid() const override;
+  // Releases Impl and its block.
   ~CNuArrayInt() override;
   // The same as Resize (content kept), see CNuArrayBase.
   void New(unsigned long length) override;
@@ -40,6 +42,7 @@ public:
   void Reset() override;
   // Takes any source of element size sizeof(int) bit for bit; raises on null or unequal sizes.
   void CopyFrom(IMemoryAccess const* source) override;
+  // The first element, writable; GetDataPtr() untyped.
   void* GetPointer() override;
   using IMemory::GetPointer;
 

@@ -29,12 +29,14 @@ public:
   // A failed allocation reaches the caller as std::bad_alloc.
   CNuArrayString& operator=(CNuArrayString const& other);
 
+  // The size of one element and the number of elements.
   unsigned long GetElementSize() const override;
   unsigned long Length() const override;
   // The first element; null as long as no block was ever allocated.
   void const* GetPointer() const override;
   // True always, also when empty.
   bool IsValid() const override;
+  // Releases Impl and its block.
   ~CNuArrayString() override;
   // The same as Resize (content kept), see CNuArrayBase.
   void New(unsigned long length) override;
@@ -48,6 +50,7 @@ public:
   // Assigns the source's elements, read as CNuString; only the element size is compared. Raises
   // on null or unequal sizes, leaving the array unchanged.
   void CopyFrom(IMemoryAccess const* source) override;
+  // The first element, writable; GetDataPtr() untyped.
   void* GetPointer() override;
   using IMemory::GetPointer;
 

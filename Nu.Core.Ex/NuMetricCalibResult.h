@@ -9,6 +9,7 @@ class NU_CORE_EX_EXPORT CNuMetricCalibResult {
 public:
   // All eight values 0.0.
   CNuMetricCalibResult();
+  // Nothing to release.
   virtual ~CNuMetricCalibResult();
 
   double Value1;

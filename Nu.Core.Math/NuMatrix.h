@@ -25,6 +25,7 @@ class CNuMatrixBase : public CNuValuePrecision<T> {
 public:
   // 0 by 0, Data null.
   CNuMatrixBase();
+  // Owns nothing: Data views the derived class's storage.
   virtual ~CNuMatrixBase();
 
 protected:
@@ -50,6 +51,7 @@ public:
   // CopyFrom(&other); returns the matrix itself.
   CNuMatrix& operator=(CNuMatrix const& other);
 
+  // Releases Storage's block.
   ~CNuMatrix() override;
   // Keeps each element at its (row, column) and zeroes the rest, in a new block whenever both
   // the old and the new size are non-empty. A zero dimension on a non-empty matrix gives 0 by 0
@@ -58,6 +60,7 @@ public:
   void Resize(unsigned long rows, unsigned long columns) override;
   // sizeof(T).
   unsigned long GetElementSize() const override;
+  // Writes Rows, then Columns.
   void GetSize(unsigned long& rows, unsigned long& columns) const override;
   // Data: the block, also after Delete.
   void const* GetPointer() const override;
@@ -73,6 +76,7 @@ public:
   // raises "cannot copy Memory2D, elementSize is different", leaving the matrix unchanged.
   // There is no test for a null source.
   void CopyFrom(IMemory2DAccess const* source) override;
+  // Data, writable.
   void* GetPointer() override;
   using IMemory2D::GetPointer;
 
