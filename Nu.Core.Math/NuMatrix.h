@@ -143,8 +143,13 @@ void CNuMatrix<T>::Resize(unsigned long rows, unsigned long columns) {
         std::vector<T> block(rows * columns);
         unsigned long const keptRows = std::min(rows, oldRows);
         unsigned long const keptColumns = std::min(columns, oldColumns);
+        // Bounded by Storage too: after a SetDimensions that passed std::bad_alloc the old
+        // dimensions describe more than the old block holds.
         for (unsigned long row = 0; row < keptRows; ++row) {
-          std::copy_n(Storage.data() + row * oldColumns, keptColumns, block.data() + row * columns);
+          std::size_t const first = row * oldColumns;
+          if (first >= Storage.size()) break;
+          std::size_t const count = std::min<std::size_t>(keptColumns, Storage.size() - first);
+          std::copy_n(Storage.data() + first, count, block.data() + row * columns);
         }
         Storage.swap(block);
       } else {

@@ -138,6 +138,8 @@ TEST(MatrixAllocationFailure, SetDimensionsPassesBadAllocWithTheRequestedDimensi
   EXPECT_EQ(columns, 3u);
   EXPECT_EQ(matrix.GetPointer(), block);
   matrix.Reset();  // bounded by the old block
+  matrix.Resize(4, 4);  // so is the copy by position
+  EXPECT_EQ(static_cast<int const*>(matrix.GetPointer())[0], 0);
   ExpectNoLeakAtAnyFailure([] {
     CNuArray2DDouble const array(2, 3);
     CNuArray2DDouble const copy(array);
