@@ -1,0 +1,60 @@
+#pragma once
+#include <Nu.Core.Ex/IMemory.h>
+#include <Nu.Core.Ex/NuArrayBase.h>
+#include <Nu.Core.Ex/NuCoreExExport.h>
+
+#include <memory>
+
+namespace Nu {
+
+// The exported array of unsigned bytes: owns a CNuArrayBase<unsigned char> of its own and forwards
+// to it, so that copies are deep. Sizing, copying and failures are those of the template.
+class NU_CORE_EX_EXPORT CNuArrayUChar : public IMemory {
+public:
+  // The empty array; no block.
+  CNuArrayUChar();
+  // `length` zeros; a length of 0 allocates no block. Raises CNuOutOfMemoryException ("New").
+  explicit CNuArrayUChar(unsigned long length);
+  // `length` copies of `value`. Raises CNuOutOfMemoryException ("New").
+  CNuArrayUChar(unsigned long length, unsigned char const& value);
+  // A deep copy: an empty array, then operator=.
+  CNuArrayUChar(CNuArrayUChar const& other);
+  // A deep copy that reuses the block when its capacity suffices; self-assignment does nothing.
+  // A failed allocation reaches the caller as std::bad_alloc.
+  CNuArrayUChar& operator=(CNuArrayUChar const& other);
+
+  // The size of one element and the number of elements.
+  unsigned long GetElementSize() const override;
+  unsigned long Length() const override;
+  // The first element; null as long as no block was ever allocated.
+  void const* GetPointer() const override;
+  // True always, also when empty.
+  bool IsValid() const override;
+  // Releases Impl and its block.
+  ~CNuArrayUChar() override;
+  // The same as Resize (content kept), see CNuArrayBase.
+  void New(unsigned long length) override;
+  // Keeps the first elements, zeros the added ones; unchanged on failure, see CNuArrayBase.
+  void Resize(unsigned long length) override;
+  // Length 0 with the block kept.
+  void Delete() override;
+  // Zero bytes over the elements.
+  void Reset() override;
+  // Takes any source of unsigned char size bit for bit; raises on null or unequal sizes.
+  void CopyFrom(IMemoryAccess const* source) override;
+  // The first element, writable; GetDataPtr() untyped.
+  void* GetPointer() override;
+  using IMemory::GetPointer;
+
+  // The element; raises "Array index out of bounds" unless index < Length().
+  unsigned char& operator[](unsigned long index);
+  unsigned char const& operator[](unsigned long index) const;
+  // The first element, typed; null as long as no block was ever allocated.
+  unsigned char* GetDataPtr();
+  unsigned char const* GetDataPtr() const;
+
+protected:
+  std::unique_ptr<CNuArrayBase<unsigned char>> Impl;
+};
+
+}  // namespace Nu
