@@ -2,7 +2,11 @@
 // copy of the declarations must reach the same operations through the same vtable slots. These
 // mirrors are written from the published order and share nothing with the library's headers
 // but the plain value types; library objects are called through them.
+#include <Nu.Core.Ex/NuArray2DDouble.h>
+#include <Nu.Core.Ex/NuArrayInt.h>
+#include <Nu.Core.Ex/NuArrayUInt.h>
 #include <Nu.Core.Ex/NuImage.h>
+#include <Nu.Core.Math/NuMatrix.h>
 #include <Nu.Core.Ex/NuImageMoniker.h>
 #include <Nu.Core.Ex/NuOutOfMemoryException.h>
 
@@ -42,6 +46,46 @@ public:
   virtual IException const* GetInnerException() const = 0;
   virtual bool HasException(CGuid const&) const = 0;
   virtual IException* Clone() const = 0;
+};
+
+class IMemoryAccess {
+public:
+  virtual unsigned long GetElementSize() const = 0;
+  virtual unsigned long Length() const = 0;
+  virtual void const* GetPointer() const = 0;
+  virtual bool IsValid() const = 0;
+  virtual ~IMemoryAccess() {}
+};
+
+class IMemory : public IMemoryAccess {
+public:
+  virtual void New(unsigned long) = 0;
+  virtual void Resize(unsigned long) = 0;
+  virtual void Delete() = 0;
+  virtual void Reset() = 0;
+  virtual void CopyFrom(IMemoryAccess const*) = 0;
+  virtual void* GetPointer() = 0;
+  using IMemoryAccess::GetPointer;
+};
+
+class IMemory2DAccess {
+public:
+  virtual unsigned long GetElementSize() const = 0;
+  virtual void GetSize(unsigned long&, unsigned long&) const = 0;
+  virtual void const* GetPointer() const = 0;
+  virtual bool IsValid() const = 0;
+  virtual ~IMemory2DAccess() {}
+};
+
+class IMemory2D : public IMemory2DAccess {
+public:
+  virtual void New(unsigned long, unsigned long) = 0;
+  virtual void Resize(unsigned long, unsigned long) = 0;
+  virtual void Delete() = 0;
+  virtual void Reset() = 0;
+  virtual void CopyFrom(IMemory2DAccess const*) = 0;
+  virtual void* GetPointer() = 0;
+  using IMemory2DAccess::GetPointer;
 };
 
 }  // namespace Mirror
@@ -104,7 +148,62 @@ NU_MIRROR_CALL void DriveException(Mirror::IException const* e, Nu::CGuid const&
   delete static_cast<Nu::CNuException*>(reinterpret_cast<Nu::IException*>(clone));
 }
 
+NU_MIRROR_CALL void DriveMemory(Mirror::IMemory* memory, Mirror::IMemoryAccess const* source) {
+  EXPECT_EQ(memory->GetElementSize(), 4u);
+  EXPECT_TRUE(memory->IsValid());
+  memory->New(3);
+  EXPECT_EQ(memory->Length(), 3u);
+  memory->Resize(5);
+  EXPECT_EQ(memory->Length(), 5u);
+  static_cast<int*>(memory->GetPointer())[4] = 9;
+  EXPECT_EQ(static_cast<int const*>(static_cast<Mirror::IMemoryAccess const*>(memory)->GetPointer())[4], 9);
+  memory->Reset();
+  EXPECT_EQ(static_cast<int const*>(memory->GetPointer())[4], 0);
+  memory->CopyFrom(source);
+  EXPECT_EQ(memory->Length(), 2u);
+  EXPECT_EQ(static_cast<int const*>(memory->GetPointer())[1], -1);
+  memory->Delete();
+  EXPECT_EQ(memory->Length(), 0u);
+}
+
+NU_MIRROR_CALL void DriveMemory2D(Mirror::IMemory2D* memory, Mirror::IMemory2DAccess const* source) {
+  EXPECT_EQ(memory->GetElementSize(), 8u);
+  EXPECT_FALSE(memory->IsValid());
+  memory->New(2, 3);
+  unsigned long rows = 0, columns = 0;
+  memory->GetSize(rows, columns);
+  EXPECT_EQ(rows, 2u);
+  EXPECT_EQ(columns, 3u);
+  static_cast<double*>(memory->GetPointer())[5] = 1.5;
+  memory->Resize(3, 3);
+  EXPECT_EQ(static_cast<double const*>(static_cast<Mirror::IMemory2DAccess const*>(memory)->GetPointer())[5], 1.5);
+  memory->Reset();
+  EXPECT_EQ(static_cast<double const*>(memory->GetPointer())[5], 0.0);
+  memory->CopyFrom(source);
+  memory->GetSize(rows, columns);
+  EXPECT_EQ(rows, 1u);
+  EXPECT_EQ(columns, 4u);
+  memory->Delete();
+  memory->GetSize(rows, columns);
+  EXPECT_EQ(rows + columns, 0u);
+  EXPECT_TRUE(memory->IsValid());
+}
+
 }  // namespace
+
+TEST(InteropOrder, MemoryOperationsSitInThePublishedSlots) {
+  Nu::CNuArrayUInt const source(2, 0xFFFFFFFFu);
+  Nu::CNuArrayInt array;
+  DriveMemory(Opaque(reinterpret_cast<Mirror::IMemory*>(static_cast<Nu::IMemory*>(&array))),
+              Opaque(reinterpret_cast<Mirror::IMemoryAccess const*>(static_cast<Nu::IMemoryAccess const*>(&source))));
+  Nu::CNuArray2DDouble const grid(1, 4);
+  Nu::CNuArray2DDouble target;
+  DriveMemory2D(Opaque(reinterpret_cast<Mirror::IMemory2D*>(static_cast<Nu::IMemory2D*>(&target))),
+                Opaque(reinterpret_cast<Mirror::IMemory2DAccess const*>(static_cast<Nu::IMemory2DAccess const*>(&grid))));
+  Nu::CNuMatrix<double> matrix;
+  DriveMemory2D(Opaque(reinterpret_cast<Mirror::IMemory2D*>(static_cast<Nu::IMemory2D*>(&matrix))),
+                Opaque(reinterpret_cast<Mirror::IMemory2DAccess const*>(static_cast<Nu::IMemory2DAccess const*>(&grid))));
+}
 
 TEST(InteropOrder, ImageOperationsSitInThePublishedSlots) {
   Nu::CNuImage source;
