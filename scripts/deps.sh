@@ -6,6 +6,9 @@ command -v cmake >/dev/null || packages+=(cmake)
 command -v ninja >/dev/null || packages+=(ninja-build)
 command -v g++ >/dev/null || packages+=(g++)
 command -v clang++ >/dev/null || packages+=(clang)
+# The sanitizer and libFuzzer runtimes of clang.
+ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a >/dev/null 2>&1 ||
+  packages+=(libclang-rt-14-dev)
 command -v pkg-config >/dev/null || packages+=(pkg-config)
 command -v valgrind >/dev/null || packages+=(valgrind)
 command -v xxd >/dev/null || packages+=(xxd)
