@@ -2,7 +2,9 @@
 // are the exported instantiations of the generated units; this unit sees only their
 // declarations and links against them.
 #include <Nu.Core.Ex/NuImage.h>
+#include <Nu.Core.Ex/NuImageConvertIsaImpl.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -15,6 +17,46 @@ constexpr char FileText[] = "Nu.Core.Ex/NuImage.cpp";
 constexpr bool IsBayer(int pixelType) noexcept {
   return pixelType == EPixelType::Bayer1 || pixelType == EPixelType::Bayer2 ||
          pixelType == EPixelType::Bayer3 || pixelType == EPixelType::Bayer4;
+}
+
+// One word of the custom widening: single precision throughout, truncation to 32 bits, low 16 bits kept.
+inline std::uint16_t WidenWord(std::uint16_t word, float divisor) noexcept {
+  float const value = static_cast<float>(word) / divisor * 65535.0f;
+  return static_cast<std::uint16_t>(static_cast<std::int32_t>(value));
+}
+
+// The widening loop per instruction set, for separate runs and for a run onto itself (each
+// word read before it is written, so a vector gives the same result as word by word).
+#define NU_WIDEN_ISA_(ISA, ATTR)                                                                     \
+  ATTR NU_NOCLONE void WidenApart##ISA(std::size_t n, std::uint16_t* __restrict out,                 \
+                                       std::uint16_t const* __restrict words, float divisor) noexcept { \
+    for (std::size_t i = 0; i < n; ++i) out[i] = WidenWord(words[i], divisor);                       \
+  }                                                                                                  \
+  ATTR NU_NOCLONE void WidenInPlace##ISA(std::size_t n, std::uint16_t* words, float divisor) noexcept { \
+    for (std::size_t i = 0; i < n; ++i) words[i] = WidenWord(words[i], divisor);                    \
+  }
+NU_WIDEN_ISA_(Avx512, NU_ISA_AVX512)
+NU_WIDEN_ISA_(Avx2, NU_ISA_AVX2)
+NU_WIDEN_ISA_(Baseline, NU_ISA_BASELINE)
+#undef NU_WIDEN_ISA_
+
+void Widen(std::size_t n, std::uint16_t* out, std::uint16_t const* words, float divisor) noexcept {
+  auto const outBegin = reinterpret_cast<std::uintptr_t>(out);
+  auto const wordsBegin = reinterpret_cast<std::uintptr_t>(words);
+  Detail::EIsa const isa = Detail::CurrentIsa();
+  if (out == words) {
+    auto* data = out;
+    if (isa == Detail::EIsa::Avx512) return WidenInPlaceAvx512(n, data, divisor);
+    if (isa == Detail::EIsa::Avx2) return WidenInPlaceAvx2(n, data, divisor);
+    return WidenInPlaceBaseline(n, data, divisor);
+  }
+  if (outBegin + 2 * n <= wordsBegin || wordsBegin + 2 * n <= outBegin) {
+    if (isa == Detail::EIsa::Avx512) return WidenApartAvx512(n, out, words, divisor);
+    if (isa == Detail::EIsa::Avx2) return WidenApartAvx2(n, out, words, divisor);
+    return WidenApartBaseline(n, out, words, divisor);
+  }
+  // Runs that overlap at an offset: word by word in ascending order.
+  for (std::size_t i = 0; i < n; ++i) out[i] = WidenWord(words[i], divisor);
 }
 
 }  // namespace
@@ -107,14 +149,9 @@ void CNuImage::ConvertCustomType(CNuImage& target) const {
     // width * height words are widened. The product wraps in 32 bits.
     unsigned int const count = static_cast<unsigned int>(Format.Width) * static_cast<unsigned int>(Format.Height);
     if (count == 0) return;
-    auto const* words = static_cast<std::uint16_t const*>(srcData);
-    auto* out = static_cast<std::uint16_t*>(trgData);
     // Single precision throughout and no clamp: a word above the sample range wraps. In place
     // each word is read before it is written.
-    for (std::size_t i = 0; i < count; ++i) {
-      float const value = static_cast<float>(words[i]) / divisor * 65535.0f;
-      out[i] = static_cast<std::uint16_t>(static_cast<std::int32_t>(value));
-    }
+    Widen(count, static_cast<std::uint16_t*>(trgData), static_cast<std::uint16_t const*>(srcData), divisor);
   } catch (CNuException& cause) {
     NU_RAISE_WRAPPED(FileText, "Error converting image custom data type", cause);
   }

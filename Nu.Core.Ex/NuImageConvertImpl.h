@@ -4,9 +4,12 @@
 // Only the generated instantiation units (cmake/NuConvertUnits.cmake) include this file, so
 // that every other unit links against the exported instantiations instead of compiling them.
 #include <Nu.Core.Ex/NuImage.h>
+#include <Nu.Core.Ex/NuImageConvertIsaImpl.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <immintrin.h>
 #include <iterator>
 #include <type_traits>
 
@@ -102,23 +105,314 @@ inline TTrg TargetStep(double v) noexcept {
       w = v * Traits::Largest;
     double c = w > Traits::Largest ? Traits::Largest : w;
     c = Traits::Smallest > c ? Traits::Smallest : c;
-    if constexpr (std::is_same_v<TTrg, unsigned int>)
-      return c != c ? Traits::NaNResult
-                    : static_cast<unsigned int>(static_cast<std::uint64_t>(static_cast<std::int64_t>(c)));
-    else
-      return c != c ? Traits::NaNResult : static_cast<TTrg>(static_cast<int>(c));
+    // The truncation always receives a number (0.0 in place of a NaN), so that it is defined for
+    // every input and a vector loop may run it on all lanes before the NaN lanes are replaced.
+    bool const isNaN = c != c;
+    double const number = isNaN ? 0.0 : c;
+    if constexpr (std::is_same_v<TTrg, unsigned int>) {
+      auto const truncated = static_cast<unsigned int>(static_cast<std::uint64_t>(static_cast<std::int64_t>(number)));
+      return isNaN ? Traits::NaNResult : truncated;
+    } else {
+      auto const truncated = static_cast<TTrg>(static_cast<int>(number));
+      return isNaN ? Traits::NaNResult : truncated;
+    }
   }
 }
 
 // One channel value from the source's element type to the target's. Equal types
 // are a bit copy: no clamp, NaN payloads and negative zero kept.
+//
+// A few pairs are written in a closed form that gives the same bits as the two steps for every
+// source value, so that the loops need no double arithmetic there (tests/Nu.Core.Ex checks each
+// against the reference model over every 8/16-bit value and every multiple of the divisor):
+// - the closed integer forms of the documented pair table (x * 257, x / 257, x * 16843009, ...).
+//   For a 32-bit source the double result differs from x / d by a relative 2^-52 at most, so
+//   the truncation can only differ where x / d is an integer: the multiples of d are tested.
+// - Float from an 8- or 16-bit source: x is exact in single and double has more than twice
+//   single's precision, so single(x / 255.0) is the correctly rounded x / 255, which is what
+//   x / 255.0f gives (innocuous double rounding). The negative scale is exact either way.
 template <class TTrg, class TSrc>
 inline TTrg ConvertChannelValue(TSrc x) noexcept {
-  if constexpr (std::is_same_v<TTrg, TSrc>)
+  using U8 = unsigned char;
+  using U16 = unsigned short;
+  using U32 = unsigned int;
+  if constexpr (std::is_same_v<TTrg, TSrc>) {
     return x;
-  else
+  } else if constexpr (std::is_same_v<TSrc, U8> && std::is_same_v<TTrg, U16>) {
+    return static_cast<U16>(x * 257u);
+  } else if constexpr (std::is_same_v<TSrc, U8> && std::is_same_v<TTrg, U32>) {
+    return x * 16843009u;
+  } else if constexpr (std::is_same_v<TSrc, U16> && std::is_same_v<TTrg, U8>) {
+    return static_cast<U8>(x / 257u);
+  } else if constexpr (std::is_same_v<TSrc, U16> && std::is_same_v<TTrg, U32>) {
+    return x * 65537u;
+  } else if constexpr (std::is_same_v<TSrc, U32> && std::is_same_v<TTrg, U8>) {
+    return static_cast<U8>(x / 16843009u);
+  } else if constexpr (std::is_same_v<TSrc, U32> && std::is_same_v<TTrg, U16>) {
+    return static_cast<U16>(x / 65537u);
+  } else if constexpr (TDataTraits<TSrc>::IsInteger && TDataTraits<TTrg>::IsInteger && sizeof(TSrc) <= 2 &&
+                       sizeof(TTrg) <= 2) {
+    // Between the 8- and 16-bit integer types the two steps equal exact integer arithmetic for
+    // every source value: a positive x gives floor(x * Lt / Ls) (the double error stays far below
+    // the distance 1 / Ls of a non-integer quotient to the next integer, and the exact quotients
+    // come out exact), zero gives 0, a negative x gives 0 into an unsigned target and otherwise
+    // x times the power of two Mt / Ms, truncated toward zero. Exhaustive test: every value.
+    using Trg = TDataTraits<TTrg>;
+    using Src = TDataTraits<TSrc>;
+    constexpr auto trgLargest = static_cast<std::uint32_t>(Trg::Largest);
+    constexpr auto srcLargest = static_cast<std::uint32_t>(Src::Largest);
+    auto const positive = static_cast<TTrg>(static_cast<std::uint32_t>(x) * trgLargest / srcLargest);
+    if constexpr (Src::IsSigned && Trg::IsSigned) {
+      constexpr int trgMagnitude = static_cast<int>(Trg::NegativeMagnitude);
+      constexpr int srcMagnitude = static_cast<int>(Src::NegativeMagnitude);
+      int negative;
+      if constexpr (trgMagnitude >= srcMagnitude)
+        negative = x * (trgMagnitude / srcMagnitude);
+      else
+        negative = x / (srcMagnitude / trgMagnitude);  // truncates toward zero
+      return x > 0 ? positive : static_cast<TTrg>(negative);
+    } else {
+      return x > 0 ? positive : static_cast<TTrg>(0);
+    }
+  } else if constexpr (TDataTraits<TSrc>::IsInteger && TDataTraits<TTrg>::IsInteger && sizeof(TSrc) <= 2 &&
+                       sizeof(TTrg) == 4) {
+    // 8/16-bit integer into Int or UInt: the same exact forms (floor(x * Lt / Ls) for x > 0,
+    // checked for every source value), the quotient found without a division: n = x * Lt is an
+    // exact double below 2^48; n times the rounded reciprocal is within 2^-19 of n / Ls, so its
+    // truncation is floor(n / Ls) or one off, and the exact remainder n - q * Ls corrects it.
+    using Trg = TDataTraits<TTrg>;
+    using Src = TDataTraits<TSrc>;
+    constexpr double inverse = 1.0 / Src::Largest;
+    double const n = static_cast<double>(x) * Trg::Largest;
+    auto q = static_cast<std::int64_t>(n * inverse);
+    double const remainder = n - static_cast<double>(q) * Src::Largest;
+    q = remainder < 0.0 ? q - 1 : (remainder >= Src::Largest ? q + 1 : q);
+    auto const positive = static_cast<TTrg>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(q)));
+    if constexpr (Src::IsSigned && Trg::IsSigned) {
+      constexpr int scale = static_cast<int>(Trg::NegativeMagnitude / Src::NegativeMagnitude);
+      return x > 0 ? positive : static_cast<TTrg>(x * scale);
+    } else {
+      return x > 0 ? positive : static_cast<TTrg>(0);
+    }
+  } else if constexpr (std::is_same_v<TTrg, float> && (std::is_same_v<TSrc, U8> || std::is_same_v<TSrc, U16>)) {
+    return static_cast<float>(x) / static_cast<float>(TDataTraits<TSrc>::Largest);
+  } else if constexpr (std::is_same_v<TTrg, float> && (std::is_same_v<TSrc, char> || std::is_same_v<TSrc, short>)) {
+    float const f = static_cast<float>(x);
+    return x < 1 ? f * static_cast<float>(TDataTraits<TSrc>::NegativeScale)
+                 : f / static_cast<float>(TDataTraits<TSrc>::Largest);
+  } else {
     return TargetStep<TTrg>(SourceStep<TSrc>(x));
+  }
 }
+
+// ---- value kernels: n contiguous elements, runs that do not overlap -------------------------
+// Declared here, defined in NuImageConvertValuesImpl.h and instantiated once per pair and
+// instruction set in the generated kernel units, so that the 80 loop units do not compile them.
+template <EIsa Isa, class TE, class SE>
+void ConvertValues(std::size_t n, TE* trg, SE const* src) noexcept;
+
+// The same, choosing the instruction set of this CPU at each call (instantiated beside them).
+template <class TE, class SE>
+void ConvertValuesHere(std::size_t n, TE* trg, SE const* src) noexcept;
+
+// ---- element moves: the layout rule on elements of one type, runs that do not overlap -------
+enum class EPass { Full, ColourOnly, AlphaOnly };
+
+template <std::size_t Size>
+struct TBitsOf;
+template <> struct TBitsOf<1> { using Type = std::uint8_t; };
+template <> struct TBitsOf<2> { using Type = std::uint16_t; };
+template <> struct TBitsOf<4> { using Type = std::uint32_t; };
+template <> struct TBitsOf<8> { using Type = std::uint64_t; };
+
+template <class T, unsigned int TrgStride, unsigned int SrcStride, unsigned int Colours, int T0, int S0,
+          int T1, int S1, int T2, int S2, int TrgAlpha, int SrcAlpha, EPass Pass>
+__attribute__((always_inline)) inline void MoveElementsBody(std::size_t count, T* __restrict trg,
+                                                            T const* __restrict src, T fill) noexcept {
+  constexpr std::size_t trgPixelBytes = TrgStride * sizeof(T);
+  constexpr std::size_t srcPixelBytes = SrcStride * sizeof(T);
+  constexpr auto isWord = [](std::size_t bytes) { return bytes == 1 || bytes == 2 || bytes == 4 || bytes == 8; };
+  if constexpr (Pass == EPass::Full && trgPixelBytes > 1 && isWord(trgPixelBytes) && isWord(srcPixelBytes)) {
+    // A whole pixel fits a machine word on both sides: assemble each target pixel in a register
+    // and store it at once (the same bytes as element by element, since a full pass writes every
+    // element of the target pixel), which vectorises where scattered element stores do not.
+    using TrgWord = typename TBitsOf<trgPixelBytes>::Type;
+    using SrcWord = typename TBitsOf<srcPixelBytes>::Type;
+    constexpr unsigned int bits = 8 * sizeof(T);
+    for (std::size_t p = 0; p < count; ++p) {
+      SrcWord word;
+      std::memcpy(&word, src + p * SrcStride, sizeof word);
+      auto element = [word](int k) { return static_cast<TrgWord>(static_cast<T>(word >> (bits * k))); };
+      TrgWord pixel = static_cast<TrgWord>(element(S0) << (bits * T0));
+      if constexpr (Colours == 3)
+        pixel |= static_cast<TrgWord>((element(S1) << (bits * T1)) | (element(S2) << (bits * T2)));
+      if constexpr (TrgAlpha >= 0) {
+        TrgWord const alpha = SrcAlpha >= 0 ? element(SrcAlpha) : static_cast<TrgWord>(fill);
+        pixel |= static_cast<TrgWord>(alpha << (bits * TrgAlpha));
+      }
+      std::memcpy(trg + p * TrgStride, &pixel, sizeof pixel);
+    }
+    return;
+  }
+  for (std::size_t p = 0; p < count; ++p) {
+    T* t = trg + p * TrgStride;
+    T const* s = src + p * SrcStride;
+    if constexpr (Pass != EPass::AlphaOnly) {
+      t[T0] = s[S0];
+      if constexpr (Colours == 3) {
+        t[T1] = s[S1];
+        t[T2] = s[S2];
+      }
+    }
+    if constexpr (Pass != EPass::ColourOnly && TrgAlpha >= 0) {
+      if constexpr (SrcAlpha >= 0)
+        t[TrgAlpha] = s[SrcAlpha];
+      else
+        t[TrgAlpha] = fill;
+    }
+  }
+}
+
+// The LumA rule's partial passes write one element of each two-element target pixel and must
+// leave the other untouched. With AVX-512 each 64 bytes of target come from one two-register
+// permute of the source elements and one byte-masked store, which writes exactly the bytes of
+// the chosen elements (no read-modify-write); the tail uses the same permute with masked load
+// and store. Byte elements need VBMI for the byte permute.
+template <class T>
+NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline __m512i Permute2(__m512i lo, __m512i index,
+                                                                                         __m512i hi) noexcept {
+  if constexpr (sizeof(T) == 1) return _mm512_permutex2var_epi8(lo, index, hi);
+  if constexpr (sizeof(T) == 2) return _mm512_permutex2var_epi16(lo, index, hi);
+  if constexpr (sizeof(T) == 4) return _mm512_permutex2var_epi32(lo, index, hi);
+  if constexpr (sizeof(T) == 8) return _mm512_permutex2var_epi64(lo, index, hi);
+}
+
+template <class T>
+struct TLanes {
+  T Index[64 / sizeof(T)];
+};
+
+template <class T, unsigned int TrgStride, unsigned int SrcStride, int Written, int From, bool Fill>
+NU_ISA_AVX512_VBMI __attribute__((noinline)) void MovePartialAvx512(std::size_t count, T* trg,
+                                                                                   T const* src, T fill) noexcept {
+  constexpr std::size_t perStore = 64 / (TrgStride * sizeof(T));   // target pixels per store
+  constexpr std::size_t srcSpan = perStore * SrcStride * sizeof(T);  // at most 128 bytes
+  static_assert(srcSpan <= 128);
+  alignas(64) constexpr TLanes<T> indices = [] {
+    TLanes<T> table{};
+    for (std::size_t k = 0; k < perStore; ++k)
+      table.Index[k * TrgStride + Written] = static_cast<T>(k * SrcStride + (From < 0 ? 0 : From));
+    return table;
+  }();
+  constexpr std::uint64_t mask = [] {
+    std::uint64_t m = 0;
+    for (std::size_t k = 0; k < perStore; ++k)
+      for (std::size_t b = 0; b < sizeof(T); ++b) m |= std::uint64_t{1} << ((k * TrgStride + Written) * sizeof(T) + b);
+    return m;
+  }();
+  __m512i const index = _mm512_load_si512(&indices);
+  __m512i fillVector;
+  if constexpr (sizeof(T) == 1) fillVector = _mm512_set1_epi8(static_cast<char>(fill));
+  if constexpr (sizeof(T) == 2) fillVector = _mm512_set1_epi16(static_cast<short>(fill));
+  if constexpr (sizeof(T) == 4) fillVector = _mm512_set1_epi32(static_cast<int>(fill));
+  if constexpr (sizeof(T) == 8) fillVector = _mm512_set1_epi64(static_cast<long long>(fill));
+  auto const* srcBytes = reinterpret_cast<char const*>(src);
+  auto* trgBytes = reinterpret_cast<char*>(trg);
+  auto bytesMask = [](std::size_t bytes) {
+    return bytes >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << bytes) - 1;
+  };
+  for (std::size_t p = 0; p < count; p += perStore) {
+    std::size_t const n = count - p < perStore ? count - p : perStore;
+    __m512i value = fillVector;
+    if constexpr (!Fill) {
+      std::size_t const need = n * SrcStride * sizeof(T);
+      char const* from = srcBytes + p * SrcStride * sizeof(T);
+      __m512i const lo = _mm512_maskz_loadu_epi8(bytesMask(need), from);
+      __m512i hi = _mm512_setzero_si512();
+      if constexpr (srcSpan > 64) hi = _mm512_maskz_loadu_epi8(need > 64 ? bytesMask(need - 64) : 0, from + 64);
+      value = Permute2<T>(lo, index, hi);
+    }
+    _mm512_mask_storeu_epi8(trgBytes + p * TrgStride * sizeof(T), mask & bytesMask(n * TrgStride * sizeof(T)), value);
+  }
+}
+
+template <class T, unsigned int TrgStride, unsigned int SrcStride, unsigned int Colours, int T0, int S0, int T1,
+          int S1, int T2, int S2, int TrgAlpha, int SrcAlpha, EPass Pass>
+NU_ISA_AVX512 __attribute__((always_inline)) inline bool MoveElementsMaskedAvx512(std::size_t count, T* trg,
+                                                                                 T const* src, T fill) noexcept {
+  if constexpr (Pass != EPass::Full && Colours == 1 && TrgStride == 2 && SrcStride <= 4) {
+    if (!__builtin_cpu_supports("avx512vbmi")) return false;  // the permute function is built with VBMI
+    constexpr int written = Pass == EPass::ColourOnly ? T0 : TrgAlpha;
+    constexpr int from = Pass == EPass::ColourOnly ? S0 : SrcAlpha;
+    MovePartialAvx512<T, TrgStride, SrcStride, written, from, Pass == EPass::AlphaOnly && SrcAlpha < 0>(count, trg, src, fill);
+    return true;
+  }
+  return false;
+}
+
+#define NU_MOVE_ELEMENTS_ISA_(ISA, ATTR)                                                              \
+  template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, \
+            int T2, int S2, int TA, int SA, EPass Pass>                                               \
+  ATTR NU_NOCLONE void MoveElements##ISA(std::size_t count, T* __restrict trg,        \
+                                                        T const* __restrict src, T fill) noexcept {   \
+    MoveElementsBody<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);      \
+  }
+template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2, int S2,
+          int TA, int SA, EPass Pass>
+NU_ISA_AVX512 NU_NOCLONE void MoveElementsAvx512(std::size_t count, T* __restrict trg, T const* __restrict src,
+                                                 T fill) noexcept {
+  if (!MoveElementsMaskedAvx512<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill))
+    MoveElementsBody<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+}
+NU_MOVE_ELEMENTS_ISA_(Avx2, NU_ISA_AVX2)
+NU_MOVE_ELEMENTS_ISA_(Baseline, NU_ISA_BASELINE)
+#undef NU_MOVE_ELEMENTS_ISA_
+
+template <EIsa Isa, class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1,
+          int T2, int S2, int TA, int SA, EPass Pass>
+inline void MoveElements(std::size_t count, T* trg, T const* src, T fill) noexcept {
+  if constexpr (Isa == EIsa::Avx512)
+    MoveElementsAvx512<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+  else if constexpr (Isa == EIsa::Avx2)
+    MoveElementsAvx2<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+  else
+    MoveElementsBaseline<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+}
+
+template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2,
+          int S2, int TA, int SA, EPass Pass>
+NU_NOCLONE void MoveElementsHere(std::size_t count, T* trg, T const* src, T fill) noexcept {
+  switch (CurrentIsa()) {
+    case EIsa::Avx512: return MoveElementsAvx512<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+    case EIsa::Avx2: return MoveElementsAvx2<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+    case EIsa::Baseline: return MoveElementsBaseline<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+  }
+}
+
+// The kernels of one instruction set, or of the CPU's, as policies of the fused path.
+template <EIsa Isa, class TE, class SE>
+struct TValuesOn {
+  static void Run(std::size_t n, TE* trg, SE const* src) noexcept { ConvertValues<Isa, TE, SE>(n, trg, src); }
+};
+template <class TE, class SE>
+struct TValuesHere {
+  static void Run(std::size_t n, TE* trg, SE const* src) noexcept { ConvertValuesHere<TE, SE>(n, trg, src); }
+};
+template <EIsa Isa>
+struct TMovesOn {
+  template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2,
+            int S2, int TA, int SA, EPass Pass>
+  static void Run(std::size_t count, T* trg, T const* src, T fill) noexcept {
+    MoveElements<Isa, T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+  }
+};
+struct TMovesHere {
+  template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2,
+            int S2, int TA, int SA, EPass Pass>
+  static void Run(std::size_t count, T* trg, T const* src, T fill) noexcept {
+    MoveElementsHere<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+  }
+};
 
 // ---- the layout kernel ----------------------------------------------------------------------
 // One loop shape for every pair, templated on the element types and the index map only, so
@@ -130,33 +424,113 @@ inline TTrg ConvertChannelValue(TSrc x) noexcept {
 //   AlphaShift: the LumA-target rule for different data types, see below.
 template <class TE, class SE, unsigned int TrgStride, unsigned int SrcStride, unsigned int Colours,
           int T0, int S0, int T1, int S1, int T2, int S2, int TrgAlpha, int SrcAlpha, bool AlphaShift>
-__attribute__((noinline)) void ConvertRun(unsigned int count, TE* trg, SE const* src) noexcept {
-  // Plain forward loops element by element: runs may overlap (a conversion in place), and then
-  // every read sees the writes before it, in the documented order.
-  for (std::size_t p = 0; p < count; ++p) {
-    TE* t = trg + p * TrgStride;
-    SE const* s = src + p * SrcStride;
-    t[T0] = ConvertChannelValue<TE, SE>(s[S0]);
-    if constexpr (Colours == 3) {
-      t[T1] = ConvertChannelValue<TE, SE>(s[S1]);
-      t[T2] = ConvertChannelValue<TE, SE>(s[S2]);
+struct TConvertRun {
+  // Plain forward loops element by element, for runs that overlap (a conversion in place):
+  // every read sees the writes before it, in the documented order. The elements are
+  // read and written as bytes (memcpy), because the two runs may share memory under two element
+  // types, which typed accesses would let the optimiser reorder. Not vectorised: only
+  // overlapping runs come here.
+  static TE ReadConvert(SE const* s) noexcept {
+    SE value;
+    std::memcpy(&value, s, sizeof value);
+    return ConvertChannelValue<TE, SE>(value);
+  }
+  static void Write(TE* t, TE value) noexcept { std::memcpy(t, &value, sizeof value); }
+
+  NU_NOVECTOR_FUNCTION NU_SMALL_FUNCTION static void Forward(std::size_t count, TE* trg, SE const* src) noexcept {
+    NU_NOVECTOR_LOOP
+    for (std::size_t p = 0; p < count; ++p) {
+      TE* t = trg + p * TrgStride;
+      SE const* s = src + p * SrcStride;
+      Write(t + T0, ReadConvert(s + S0));
+      if constexpr (Colours == 3) {
+        Write(t + T1, ReadConvert(s + S1));
+        Write(t + T2, ReadConvert(s + S2));
+      }
+    }
+    if constexpr (TrgAlpha >= 0) {
+      // Deliberate and documented: for a LumA target of another data type the alpha
+      // pass goes on where the colour pass stopped, at pixel count of both runs, for count
+      // pixels. It writes (and, for an alpha-bearing source, reads) count pixels beyond the
+      // runs, and the alphas of the run's own pixels stay unwritten. Do not "fix".
+      std::size_t const first = AlphaShift ? count : 0;
+      std::size_t const end = first + count;
+      NU_NOVECTOR_LOOP
+      for (std::size_t p = first; p < end; ++p) {
+        if constexpr (SrcAlpha >= 0)
+          Write(trg + p * TrgStride + TrgAlpha, ReadConvert(src + p * SrcStride + SrcAlpha));
+        else
+          Write(trg + p * TrgStride + TrgAlpha, TDataTraits<TE>::TargetMaximum);
+      }
     }
   }
-  if constexpr (TrgAlpha >= 0) {
-    // Deliberate and documented: for a LumA target of another data type the alpha
-    // pass goes on where the colour pass stopped, at pixel count of both runs, for count
-    // pixels. It writes (and, for an alpha-bearing source, reads) count pixels beyond the runs,
-    // and the alphas of the run's own pixels stay unwritten. Do not "fix".
-    std::size_t const first = AlphaShift ? count : 0;
-    std::size_t const end = first + count;
-    for (std::size_t p = first; p < end; ++p) {
-      if constexpr (SrcAlpha >= 0)
-        trg[p * TrgStride + TrgAlpha] = ConvertChannelValue<TE, SE>(src[p * SrcStride + SrcAlpha]);
-      else
-        trg[p * TrgStride + TrgAlpha] = TDataTraits<TE>::TargetMaximum;
+
+  using Bits = typename TBitsOf<sizeof(TE)>::Type;
+  static constexpr bool SameType = std::is_same_v<TE, SE>;
+  // Every target element comes from the source element at the same place.
+  static constexpr bool Identity = !AlphaShift && TrgStride == SrcStride && T0 == S0 &&
+                                   (Colours == 1 || (T1 == S1 && T2 == S2)) && (TrgAlpha < 0 || TrgAlpha == SrcAlpha);
+  static constexpr std::size_t Block = 256;  // pixels per step through the L1 buffer
+  static constexpr std::size_t SmallRun = 16;
+
+  // Runs that do not overlap: the result is the same as the forward passes (each element is
+  // written once from a value that no write changes), so the passes may be fused and the value
+  // rule applied to contiguous blocks: first the values into a small buffer in the source
+  // layout, then the layout moves as bits. Identical layouts skip the buffer; equal types skip
+  // the values.
+  // Values and Moves are the kernels of one instruction set (the tests pass each in turn) or,
+  // in the library, those that choose the CPU's instruction set at each call.
+  template <class Values, class Moves>
+  static void Apart(std::size_t count, TE* trg, SE const* src) noexcept {
+    Bits fill;
+    TE const maximum = TDataTraits<TE>::TargetMaximum;
+    std::memcpy(&fill, &maximum, sizeof fill);
+    auto* trgBits = reinterpret_cast<Bits*>(trg);
+    if constexpr (Identity && SameType) {
+      std::memcpy(trg, src, count * TrgStride * sizeof(TE));
+    } else if constexpr (Identity) {
+      Values::Run(count * TrgStride, trg, src);
+    } else if constexpr (SameType) {
+      Moves::template Run<Bits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha, EPass::Full>(
+          count, trgBits, reinterpret_cast<Bits const*>(src), fill);
+    } else {
+      alignas(64) TE tmp[Block * SrcStride];
+      auto const* tmpBits = reinterpret_cast<Bits const*>(tmp);
+      constexpr EPass colourPass = AlphaShift ? EPass::ColourOnly : EPass::Full;
+      for (std::size_t p = 0; p < count; p += Block) {
+        std::size_t const n = count - p < Block ? count - p : Block;
+        Values::Run(n * SrcStride, tmp, src + p * SrcStride);
+        Moves::template Run<Bits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha, colourPass>(
+            n, trgBits + p * TrgStride, tmpBits, fill);
+      }
+      if constexpr (AlphaShift) {
+        // The LumA-target rule: alphas of pixels count .. 2 * count - 1, see Forward.
+        for (std::size_t p = count; p < 2 * count; p += Block) {
+          std::size_t const n = 2 * count - p < Block ? 2 * count - p : Block;
+          if constexpr (SrcAlpha >= 0) Values::Run(n * SrcStride, tmp, src + p * SrcStride);
+          Moves::template Run<Bits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha,
+                              EPass::AlphaOnly>(n, trgBits + p * TrgStride, tmpBits, fill);
+        }
+      }
     }
   }
-}
+
+  // Separate runs take the fused, vectorised path of the CPU's instruction set; overlapping
+  // runs the plain forward passes.
+  __attribute__((noinline)) static void Run(unsigned int count, TE* trg, SE const* src) noexcept {
+    std::size_t const n = count;
+    auto const trgBegin = reinterpret_cast<std::uintptr_t>(trg);
+    auto const srcBegin = reinterpret_cast<std::uintptr_t>(src);
+    std::uintptr_t const trgEnd = trgBegin + (AlphaShift ? 2 * n : n) * TrgStride * sizeof(TE);
+    std::uintptr_t const srcEnd = srcBegin + ((AlphaShift && SrcAlpha >= 0) ? 2 * n : n) * SrcStride * sizeof(SE);
+    // Short runs take the plain passes too (same result): the fused path's buffer and
+    // instruction-set choice cost more than a few pixels.
+    if (n >= SmallRun && (trgEnd <= srcBegin || srcEnd <= trgBegin))
+      Apart<TValuesHere<TE, SE>, TMovesHere>(n, trg, src);
+    else
+      Forward(n, trg, src);
+  }
+};
 
 // The kernel of one pair of TPixel types. Unused indices are normalised to 0 / -1 so that
 // identical leaves name the identical kernel.
@@ -169,12 +543,11 @@ struct TConvertKernel {
   static constexpr int SrcAlpha = (TrgAlpha >= 0 && TSrc::AlphaCount != 0) ? TSrc::AlphaIndex : -1;
   static constexpr bool AlphaShift =
       TTrg::PixelTypeId == EPixelType::LumA && TTrg::DataTypeId != TSrc::DataTypeId;
-  static constexpr auto Run =
-      &ConvertRun<TE, SE, TTrg::ElementCount, TSrc::ElementCount, TTrg::ColourCount,
-                  TTrg::RedIndex, TSrc::RedIndex,
-                  ThreeColours ? TTrg::GreenIndex : 0, ThreeColours ? TSrc::GreenIndex : 0,
-                  ThreeColours ? TTrg::BlueIndex : 0, ThreeColours ? TSrc::BlueIndex : 0,
-                  TrgAlpha, SrcAlpha, AlphaShift>;
+  using Run = TConvertRun<TE, SE, TTrg::ElementCount, TSrc::ElementCount, TTrg::ColourCount,
+                          TTrg::RedIndex, TSrc::RedIndex,
+                          ThreeColours ? TTrg::GreenIndex : 0, ThreeColours ? TSrc::GreenIndex : 0,
+                          ThreeColours ? TTrg::BlueIndex : 0, ThreeColours ? TSrc::BlueIndex : 0,
+                          TrgAlpha, SrcAlpha, AlphaShift>;
 };
 
 // The 80 carried formats in list order; the instantiation unit N fixes target AllFormats[N].
@@ -186,6 +559,12 @@ struct SFormatIds {
 inline constexpr SFormatIds AllFormats[] = {NU_ALL_PIXELS(NU_CONVERT_FORMAT_IDS_)};
 #undef NU_CONVERT_FORMAT_IDS_
 
+// The eight data types in list order; the kernel unit N instantiates the value kernels into
+// data type AllDataTypes[N].
+#define NU_CONVERT_DATA_IDS_(D, E, ...) EDataType::D,
+inline constexpr int AllDataTypes[] = {NU_DATA_TYPES(NU_CONVERT_DATA_IDS_)};
+#undef NU_CONVERT_DATA_IDS_
+
 }  // namespace Nu::Detail
 
 namespace Nu {
@@ -194,7 +573,7 @@ template <class TTrg, class TSrc>
 bool CNuImage::_Convert(unsigned int count, TTrg* trg, TSrc const* src) {
   using Kernel = Detail::TConvertKernel<TTrg, TSrc>;
   if (count == 0) return true;
-  Kernel::Run(count, reinterpret_cast<typename Kernel::TE*>(trg),
+  Kernel::Run::Run(count, reinterpret_cast<typename Kernel::TE*>(trg),
               reinterpret_cast<typename Kernel::SE const*>(src));
   return true;
 }

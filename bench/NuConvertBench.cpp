@@ -2,14 +2,21 @@
 // Each case reports bytes per second (source plus target bytes) and, measured in the same run
 // and interleaved with the conversion, the counter vs_memcpy: conversion time divided by the
 // time of a memcpy of (source bytes + target bytes) / 2.
+//
+//   NuConvertBench [benchmark options]       the representative pairs (Google Benchmark)
+//   NuConvertBench --all-pairs [--quick]     every carried pair at both sizes: distribution of
+//                                            the ratio to memcpy (min, median, max, ten worst)
 #include <Nu.Core.Ex/NuCoreEx.h>
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <random>
+#include <string>
 #include <vector>
 
 using Nu::CNuImage;
@@ -122,6 +129,94 @@ NU_BENCH_PAIR(RGB_UByte_from_Bayer1_UByte, RGB, UByte, Bayer1, UByte)
 NU_BENCH_PAIR(RGB_UByte_same_format_copy, RGB, UByte, RGB, UByte)
 BENCHMARK(BM_CustomWidening)->Apply(Sizes);
 
+// ---- --all-pairs ---------------------------------------------------------------------------
+
+#define NU_BENCH_FORMAT_(L, C, A, R, G, B, Al, D, E) {EPixelType::L, EDataType::D, #L "/" #D},
+struct SFormat {
+  EPixelType::ID Pixel;
+  EDataType::ID Data;
+  char const* Name;
+};
+SFormat const AllFormats[] = {NU_ALL_PIXELS(NU_BENCH_FORMAT_)};
+#undef NU_BENCH_FORMAT_
+
+bool IsBayer(EPixelType::ID id) { return id >= EPixelType::Bayer1 && id <= EPixelType::Bayer4; }
+
+template <class TCall>
+double MinSeconds(int repetitions, TCall&& call) {
+  double best = 1e30;
+  for (int r = 0; r < repetitions; ++r) {
+    auto const t0 = std::chrono::steady_clock::now();
+    call();
+    auto const t1 = std::chrono::steady_clock::now();
+    best = std::min(best, std::chrono::duration<double>(t1 - t0).count());
+  }
+  return best;
+}
+
+struct SResult {
+  double Ratio;
+  std::string Pair;
+};
+
+int AllPairs(bool quick) {
+  for (auto [width, height] : {std::pair{640, 480}, std::pair{3840, 2160}}) {
+    std::size_t const pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    // Room for the largest format (RGBA of Double) and for the LumA rule's second run.
+    std::vector<unsigned char> src(pixels * 64, 0), trg(pixels * 64, 0), copySrc(pixels * 32, 1), copyTrg(pixels * 32, 2);
+    int const repetitions = width > 1000 ? 3 : 15;
+    std::vector<SResult> results;
+    for (SFormat const& s : AllFormats) {
+      CNuImage image;
+      image.Create(width, height, s.Pixel, s.Data);
+      Fill(image, s.Data);
+      std::memcpy(src.data(), image.GetDataPtr(), image.GetByteCount());
+      std::memcpy(src.data() + image.GetByteCount(), image.GetDataPtr(), image.GetByteCount());
+      CNuImageFormat const srcFormat(width, height, s.Pixel, s.Data);
+      for (SFormat const& t : AllFormats) {
+        if (IsBayer(t.Pixel) && t.Pixel != s.Pixel) continue;  // closed by the Bayer gate
+        if (quick && (t.Pixel != EPixelType::RGB && t.Pixel != EPixelType::LumA && t.Pixel != EPixelType::BGRA &&
+                      t.Pixel != EPixelType::Lum))
+          continue;
+        CNuImageFormat const trgFormat(width, height, t.Pixel, t.Data);
+        std::size_t const traffic = (static_cast<std::size_t>(srcFormat.GetByteCount()) + trgFormat.GetByteCount()) / 2;
+        CNuImage::ConvertMemory(trg.data(), src.data(), trgFormat, srcFormat);  // warm
+        double const convert = MinSeconds(repetitions, [&] {
+          CNuImage::ConvertMemory(trg.data(), src.data(), trgFormat, srcFormat);
+          benchmark::ClobberMemory();
+        });
+        double const copy = MinSeconds(repetitions, [&] {
+          std::memcpy(copyTrg.data(), copySrc.data(), traffic);
+          benchmark::ClobberMemory();
+        });
+        results.push_back({convert / copy, std::string(t.Name) + " <- " + s.Name});
+      }
+    }
+    std::sort(results.begin(), results.end(), [](SResult const& a, SResult const& b) { return a.Ratio < b.Ratio; });
+    std::size_t const n = results.size();
+    std::printf("%dx%d: %zu carried pairs, conversion time / memcpy time of (src + trg) / 2 bytes\n", width, height, n);
+    std::printf("  min %.2f  median %.2f  90%% %.2f  max %.2f\n", results.front().Ratio, results[n / 2].Ratio,
+                results[n * 9 / 10].Ratio, results.back().Ratio);
+    std::printf("  ten worst:\n");
+    for (std::size_t i = n; i > n - std::min<std::size_t>(10, n); --i)
+      std::printf("    %6.2f  %s\n", results[i - 1].Ratio, results[i - 1].Pair.c_str());
+    std::fflush(stdout);
+  }
+  return 0;
+}
+
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i)
+    if (std::string(argv[i]) == "--all-pairs") {
+      bool quick = false;
+      for (int j = 1; j < argc; ++j) quick = quick || std::string(argv[j]) == "--quick";
+      return AllPairs(quick);
+    }
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

@@ -4,6 +4,7 @@
 #include <Nu.Core.Ex/NuImage.h>
 
 #include <Reference/ConvertReference.h>
+#include <Support/ConvertSamples.h>
 #include <Support/ConvertTargets.h>
 
 #include <gtest/gtest.h>
@@ -21,87 +22,8 @@ using Nu::EPixelType;
 
 namespace {
 
-constexpr std::uint32_t Seed = 0x5EED2026;
-
-// The source values of one data type, as raw element bytes.
-std::vector<unsigned char> SourceValues(NuRef::SDataRow const& row) {
-  std::vector<unsigned char> bytes;
-  auto add = [&](auto value) {
-    static_assert(sizeof value <= 8);
-    unsigned char raw[sizeof value];
-    std::memcpy(raw, &value, sizeof value);
-    bytes.insert(bytes.end(), raw, raw + sizeof value);
-  };
-  std::mt19937_64 random(Seed);
-  switch (row.Bytes * (row.Integer ? 1 : 10)) {
-    case 1:
-      for (unsigned v = 0; v < 256; ++v) add(static_cast<std::uint8_t>(v));
-      break;
-    case 2:
-      for (unsigned v = 0; v < 65536; ++v) add(static_cast<std::uint16_t>(v));
-      break;
-    case 4: {
-      for (std::int64_t k : {0LL, 1LL, 2LL, 3LL, 127LL, 128LL, 255LL, 256LL, 32767LL, 32768LL, 65535LL, 65536LL,
-                             16777216LL, 16843009LL, 65537LL, 2147483646LL, 2147483647LL, 2147483648LL,
-                             2147483649LL, 4294967294LL, 4294967295LL})
-        for (std::int64_t s : {k, -k}) add(static_cast<std::uint32_t>(s));
-      for (int i = 0; i < 200000; ++i) add(static_cast<std::uint32_t>(random()));
-      break;
-    }
-    default: {  // float (40) or double (80)
-      bool const single = row.Bytes == 4;
-      std::vector<double> specials = {0.0, 1.0, 0.5, 1.0 / 255.0, 2.0, 0.0078125, 1e-300, 1e300, 3e38, 4e38,
-                                      std::numeric_limits<double>::infinity(), std::numeric_limits<double>::denorm_min(),
-                                      std::numeric_limits<double>::min(), std::numeric_limits<double>::max(),
-                                      static_cast<double>(std::numeric_limits<float>::denorm_min()),
-                                      static_cast<double>(std::numeric_limits<float>::max())};
-      // Each clamp bound of every integer target, as a fraction and as its scaled neighbours.
-      for (NuRef::SDataRow const& target : NuRef::DataTypes) {
-        if (!target.Integer) continue;
-        for (double bound : {target.Largest, -target.Smallest})
-          for (double offset : {-1.0, -0.5, 0.0, 0.5, 1.0}) specials.push_back((bound + offset) / bound);
-        for (double k : {0.5, 1.5, 2.5, 100.5}) specials.push_back(k / target.Largest);
-      }
-      for (double s : std::vector<double>(specials)) {
-        for (double v : {s, -s}) {
-          if (single) {
-            auto const f = static_cast<float>(v);
-            add(f);
-            add(std::nextafter(f, std::numeric_limits<float>::infinity()));
-            add(std::nextafter(f, -std::numeric_limits<float>::infinity()));
-          } else {
-            add(v);
-            add(std::nextafter(v, std::numeric_limits<double>::infinity()));
-            add(std::nextafter(v, -std::numeric_limits<double>::infinity()));
-          }
-        }
-      }
-      // NaNs with several payloads and both signs, quiet and signalling.
-      for (std::uint64_t payload : {0ull, 1ull, 0x12345ull, 0x3FFFFFull}) {
-        for (std::uint64_t sign : {0ull, 1ull}) {
-          if (single) {
-            add(static_cast<std::uint32_t>((sign << 31) | 0x7FC00000u | payload));
-            if (payload != 0) add(static_cast<std::uint32_t>((sign << 31) | 0x7F800000u | payload));
-          } else {
-            add((sign << 63) | 0x7FF8000000000000ull | (payload << 20));
-            if (payload != 0) add((sign << 63) | 0x7FF0000000000000ull | payload);
-          }
-        }
-      }
-      std::uniform_real_distribution<double> fraction(-1.5, 1.5);
-      for (int i = 0; i < 100000; ++i) {
-        if (single) {
-          add(static_cast<float>(fraction(random)));
-          add(static_cast<std::uint32_t>(random()));
-        } else {
-          add(fraction(random));
-          add(static_cast<std::uint64_t>(random()));
-        }
-      }
-    }
-  }
-  return bytes;
-}
+using NuTest::Seed;
+using NuTest::SourceValues;
 
 class ChannelValue : public ::testing::TestWithParam<int> {};
 

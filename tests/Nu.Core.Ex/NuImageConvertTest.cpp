@@ -3,6 +3,7 @@
 #include <Nu.Core.Ex/NuImage.h>
 
 #include <Reference/ConvertReference.h>
+#include <Support/ConvertSamples.h>
 #include <Support/ConvertTargets.h>
 #include <Support/ExceptionCheck.h>
 
@@ -20,45 +21,15 @@ using Nu::CNuImageFormat;
 using Nu::EDataType;
 using Nu::EPixelType;
 using NuTest::ExpectRaises;
+using NuTest::FillRandom;
 using NuTest::Format;
+using NuTest::SGuarded;
 
 namespace {
 
 constexpr char ImageFile[] = "Nu.Core.Ex/NuImage.cpp";
 constexpr char FormatFile[] = "Nu.Core.Ex/NuImageFormat.h";
 constexpr char BayerGate[] = "Can only convert the data type of a bayer pixel type";
-
-// A run inside a larger block: guard bytes before and after, and a start one element past a
-// 64-byte boundary, so that the run is only element-aligned.
-struct SGuarded {
-  static constexpr std::size_t Guard = 64;
-  std::vector<unsigned char> Bytes;
-  std::size_t Offset;
-  SGuarded(std::size_t payload, std::size_t elementSize, unsigned char fill)
-      : Bytes(Guard + elementSize + payload + Guard, fill), Offset(Guard + elementSize) {}
-  unsigned char* Run() { return Bytes.data() + Offset; }
-};
-
-// Random element values: any bit pattern for integers; for floating types mostly fractions
-// around the convention's range, some random bit patterns (NaN, inf, huge, tiny) in between.
-void FillRandom(unsigned char* run, std::size_t elements, int dataType, std::mt19937& random) {
-  NuRef::SDataRow const& row = *NuRef::FindDataType(dataType);
-  std::uniform_real_distribution<double> fraction(-1.25, 1.25);
-  for (std::size_t i = 0; i < elements; ++i) {
-    unsigned char* e = run + i * row.Bytes;
-    if (!row.Integer && random() % 4 != 0) {
-      double const v = fraction(random);
-      if (row.Bytes == 4) {
-        float const f = static_cast<float>(v);
-        std::memcpy(e, &f, 4);
-      } else {
-        std::memcpy(e, &v, 8);
-      }
-    } else {
-      for (unsigned b = 0; b < row.Bytes; ++b) e[b] = static_cast<unsigned char>(random());
-    }
-  }
-}
 
 std::string PairName(int trgPixel, int trgData, int srcPixel, int srcData) {
   return std::string(NuRef::FindLayout(trgPixel)->Name) + "/" + NuRef::FindDataType(trgData)->Name +
@@ -109,6 +80,36 @@ TEST_P(AllPairs, EveryLeafMatchesTheReferenceByteForByte) {
           EXPECT_TRUE(CNuImage::ConvertMemory(road.Run(), src.Run(), trgFormat, srcFormat));
           ASSERT_EQ(road.Bytes, expected.Bytes);
         }
+      }
+    }
+  }
+}
+
+// Overlapping runs (a conversion in place, or runs shifted against each other) take the plain
+// forward passes: the result is that of the reference applied element by element in the
+// documented order on the same memory. Separate runs at the same offsets give the fused path.
+TEST_P(AllPairs, OverlappingRunsGiveThePlainForwardResult) {
+  NuTest::STargetEntry const& target = NuTest::AllTargets[GetParam()];
+  unsigned const count = 37;
+  for (NuRef::SLayoutRow const& srcLayout : NuRef::Layouts) {
+    for (NuRef::SDataRow const& srcData : NuRef::DataTypes) {
+      SCOPED_TRACE(PairName(target.PixelType, target.DataType, srcLayout.Id, srcData.Id));
+      unsigned const srcPixelBytes = NuRef::PixelBytes(srcLayout.Id, srcData.Id);
+      unsigned const trgPixelBytes = NuRef::PixelBytes(target.PixelType, target.DataType);
+      std::size_t const span = 2 * count * (srcPixelBytes > trgPixelBytes ? srcPixelBytes : trgPixelBytes);
+      std::size_t const srcOffset = 64 + span / 8 * 8;
+      std::size_t const half = (count * srcPixelBytes / 2) / 8 * 8;
+      for (std::size_t trgOffset : {srcOffset, srcOffset - 8, srcOffset + 8, srcOffset + half, srcOffset - half}) {
+        SCOPED_TRACE("target offset " + std::to_string(static_cast<long long>(trgOffset) - static_cast<long long>(srcOffset)));
+        std::mt19937 random(static_cast<std::uint32_t>(GetParam() * 7 + srcLayout.Id + srcData.Id + trgOffset));
+        std::vector<unsigned char> memory(2 * srcOffset + span + 64, 0);
+        FillRandom(memory.data(), memory.size() / srcData.Bytes, srcData.Id, random);
+        std::vector<unsigned char> expected = memory;
+        NuRef::ConvertRun(target.PixelType, target.DataType, expected.data() + trgOffset, srcLayout.Id, srcData.Id,
+                          expected.data() + srcOffset, count);
+        EXPECT_TRUE(target.Call(memory.data() + srcOffset, Format(static_cast<int>(count), 1, srcLayout.Id, srcData.Id),
+                                memory.data() + trgOffset));
+        ASSERT_EQ(memory, expected);
       }
     }
   }

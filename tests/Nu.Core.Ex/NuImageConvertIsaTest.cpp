@@ -1,0 +1,152 @@
+// The fast paths of each instruction set, each its own named case (skipped where this CPU
+// lacks the set), bit for bit against the reference model: the value kernels over every
+// 8/16-bit value and the special/random wider values at many run lengths and unaligned
+// starts, and the fused layout path for every layout shape, with guard bytes around the runs.
+// The library's own path on this CPU is also covered by every other conversion test.
+#include <Nu.Core.Ex/NuImageConvertValuesImpl.h>
+
+#include <Reference/ConvertReference.h>
+#include <Support/ConvertSamples.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+using Nu::EDataType;
+using Nu::EPixelType;
+using Nu::Detail::EIsa;
+
+namespace {
+
+bool Supported(EIsa isa) {
+  switch (isa) {
+    case EIsa::Avx512:
+      return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+             __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
+    case EIsa::Avx2: return __builtin_cpu_supports("avx2");
+    case EIsa::Baseline: return true;
+  }
+  return false;
+}
+
+// The run lengths around the vector widths, plus a long run.
+constexpr std::size_t Lengths[] = {0, 1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 129, 1000};
+
+template <EIsa Isa, class TE, class SE>
+void CheckValues(int trgType, int srcType) {
+  SCOPED_TRACE(std::string(NuRef::FindDataType(trgType)->Name) + " <- " + NuRef::FindDataType(srcType)->Name);
+  NuRef::SDataRow const& src = *NuRef::FindDataType(srcType);
+  std::vector<unsigned char> const values = NuTest::SourceValues(src);
+  std::size_t const count = values.size() / sizeof(SE);
+  // The whole sample in one run, then runs of every length at aligned and unaligned starts.
+  std::vector<std::pair<std::size_t, std::size_t>> runs = {{0, count}};
+  for (std::size_t length : Lengths)
+    for (std::size_t start : {std::size_t{0}, std::size_t{1}, std::size_t{3}})
+      if (start + length <= count) runs.emplace_back(start, length);
+  for (auto const& [start, length] : runs) {
+    NuTest::SGuarded out(length * sizeof(TE), sizeof(TE), 0xEE);
+    NuTest::SGuarded expected = out;
+    for (std::size_t i = 0; i < length; ++i)
+      NuRef::ConvertValue(trgType, expected.Run() + i * sizeof(TE), srcType, values.data() + (start + i) * sizeof(SE));
+    // The source run starts where `start` puts it: unaligned for start 1 and 3.
+    std::vector<unsigned char> source(values.begin() + static_cast<std::ptrdiff_t>(start * sizeof(SE)),
+                                      values.begin() + static_cast<std::ptrdiff_t>((start + length) * sizeof(SE)));
+    source.insert(source.begin(), sizeof(SE), 0);  // one element ahead: another alignment again
+    Nu::Detail::ConvertValues<Isa, TE, SE>(length, reinterpret_cast<TE*>(out.Run()),
+                                           reinterpret_cast<SE const*>(source.data() + sizeof(SE)));
+    ASSERT_EQ(out.Bytes, expected.Bytes) << "run of " << length << " from " << start;
+  }
+}
+
+// Element type of a data type id, and the 64 pairs.
+template <int D>
+using TElementOf = typename Nu::TPixelOf<EPixelType::Lum, D>::Element;
+template <EIsa Isa, int TD, int... SDs>
+void CheckValuesInto(std::integer_sequence<int, SDs...>) {
+  (CheckValues<Isa, TElementOf<TD>, TElementOf<SDs>>(TD, SDs), ...);
+}
+template <EIsa Isa, int... TDs>
+void CheckAllValues(std::integer_sequence<int, TDs...> all) {
+  (CheckValuesInto<Isa, TDs>(all), ...);
+}
+using TAllData = std::integer_sequence<int, EDataType::Byte, EDataType::UByte, EDataType::Short, EDataType::UShort,
+                                       EDataType::Int, EDataType::UInt, EDataType::Float, EDataType::Double>;
+
+// The fused path of one pair of formats on this instruction set's kernels.
+template <EIsa Isa, class TTrg, class TSrc>
+void CheckFused() {
+  using Kernel = Nu::Detail::TConvertKernel<TTrg, TSrc>;
+  using TE = typename Kernel::TE;
+  using SE = typename Kernel::SE;
+  int const tp = TTrg::PixelTypeId, td = TTrg::DataTypeId, sp = TSrc::PixelTypeId, sd = TSrc::DataTypeId;
+  SCOPED_TRACE(std::string(NuRef::FindLayout(tp)->Name) + "/" + NuRef::FindDataType(td)->Name + " <- " +
+               NuRef::FindLayout(sp)->Name + "/" + NuRef::FindDataType(sd)->Name);
+  for (std::size_t count : {0, 1, 2, 3, 15, 16, 17, 33, 255, 256, 257, 600}) {
+    std::mt19937 random(static_cast<std::uint32_t>(count * 7919 + tp + 3 * td + 5 * sp + 7 * sd));
+    NuTest::SGuarded src(2 * count * sizeof(TSrc), sizeof(SE), 0xA5);
+    NuTest::FillRandom(src.Run(), 2 * count * TSrc::ElementCount, sd, random);
+    NuTest::SGuarded trg(2 * count * sizeof(TTrg), sizeof(TE), 0x5C);
+    NuTest::SGuarded expected = trg;
+    NuRef::ConvertRun(tp, td, expected.Run(), sp, sd, src.Run(), static_cast<unsigned>(count));
+    Kernel::Run::template Apart<Nu::Detail::TValuesOn<Isa, TE, SE>, Nu::Detail::TMovesOn<Isa>>(
+        count, reinterpret_cast<TE*>(trg.Run()), reinterpret_cast<SE const*>(src.Run()));
+    ASSERT_EQ(trg.Bytes, expected.Bytes) << "count " << count;
+  }
+}
+
+template <EIsa Isa, int TD, int SD, int TP, int... SPs>
+void CheckFusedInto() {
+  (CheckFused<Isa, Nu::TPixelOf<TP, TD>, Nu::TPixelOf<SPs, SD>>(), ...);
+}
+// Every layout shape (Bayer shapes are Lum's) for one pair of data types.
+template <EIsa Isa, int TD, int SD>
+void CheckAllShapes() {
+  constexpr int RGBA = EPixelType::RGBA, RGB = EPixelType::RGB, BGRA = EPixelType::BGRA, BGR = EPixelType::BGR,
+                Lum = EPixelType::Lum, LumA = EPixelType::LumA;
+  CheckFusedInto<Isa, TD, SD, RGBA, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<Isa, TD, SD, RGB, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<Isa, TD, SD, BGRA, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<Isa, TD, SD, BGR, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<Isa, TD, SD, Lum, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<Isa, TD, SD, LumA, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+}
+
+template <EIsa Isa>
+void CheckIsa() {
+  CheckAllValues<Isa>(TAllData{});
+  // Same type (moves only) for every element size, and conversions through the buffer.
+  CheckAllShapes<Isa, EDataType::UByte, EDataType::UByte>();
+  CheckAllShapes<Isa, EDataType::Short, EDataType::Short>();
+  CheckAllShapes<Isa, EDataType::Float, EDataType::Float>();
+  CheckAllShapes<Isa, EDataType::Double, EDataType::Double>();
+  CheckAllShapes<Isa, EDataType::Float, EDataType::UByte>();
+  CheckAllShapes<Isa, EDataType::UByte, EDataType::Double>();
+  CheckAllShapes<Isa, EDataType::Short, EDataType::UInt>();
+}
+
+class InstructionSet : public ::testing::TestWithParam<EIsa> {};
+
+}  // namespace
+
+TEST_P(InstructionSet, FastPathsGiveTheReferenceBits) {
+  if (!Supported(GetParam())) GTEST_SKIP() << "this CPU lacks the instruction set";
+  switch (GetParam()) {
+    case EIsa::Avx512: CheckIsa<EIsa::Avx512>(); break;
+    case EIsa::Avx2: CheckIsa<EIsa::Avx2>(); break;
+    case EIsa::Baseline: CheckIsa<EIsa::Baseline>(); break;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Paths, InstructionSet, ::testing::Values(EIsa::Baseline, EIsa::Avx2, EIsa::Avx512),
+                         [](::testing::TestParamInfo<EIsa> const& info) {
+                           switch (info.param) {
+                             case EIsa::Avx512: return std::string("Avx512");
+                             case EIsa::Avx2: return std::string("Avx2");
+                             default: return std::string("Baseline");
+                           }
+                         });
