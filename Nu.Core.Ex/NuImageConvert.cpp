@@ -1,6 +1,6 @@
-// The non-template members of the conversion road: dispatch, Bayer gate, custom widening. The loops themselves
-// are the exported instantiations of the generated units; this unit sees only their
-// declarations and links against them.
+// The non-template members of the conversion road: dispatch, Bayer gate, custom widening.
+// The loops themselves are the exported instantiations of the generated units; this unit sees
+// only their declarations and links against them.
 #include <Nu.Core.Ex/NuImage.h>
 #include <Nu.Core.Ex/NuImageConvertIsaImpl.h>
 
@@ -19,7 +19,8 @@ constexpr bool IsBayer(int pixelType) noexcept {
          pixelType == EPixelType::Bayer3 || pixelType == EPixelType::Bayer4;
 }
 
-// One word of the custom widening: single precision throughout, truncation to 32 bits, low 16 bits kept.
+// One word of the custom widening: single precision throughout, truncation to 32 bits, low 16
+// bits kept.
 inline std::uint16_t WidenWord(std::uint16_t word, float divisor) noexcept {
   float const value = static_cast<float>(word) / divisor * 65535.0f;
   return static_cast<std::uint16_t>(static_cast<std::int32_t>(value));
