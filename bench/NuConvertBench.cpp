@@ -4,8 +4,10 @@
 // time of a memcpy of (source bytes + target bytes) / 2.
 //
 //   NuConvertBench [benchmark options]       the representative pairs (Google Benchmark)
-//   NuConvertBench --all-pairs [--quick]     every carried pair at both sizes: distribution of
-//                                            the ratio to memcpy (min, median, max, ten worst)
+//   NuConvertBench --all-pairs [--quick] [--list]
+//                                            every carried pair at both sizes: distribution of
+//                                            the ratio to memcpy (min, median, max, ten worst);
+//                                            --list prints every pair's ratio too
 #include <Nu.Core.Ex/NuCoreEx.h>
 
 #include <benchmark/benchmark.h>
@@ -159,7 +161,7 @@ struct SResult {
   std::string Pair;
 };
 
-int AllPairs(bool quick) {
+int AllPairs(bool quick, bool list) {
   for (auto [width, height] : {std::pair{640, 480}, std::pair{3840, 2160}}) {
     std::size_t const pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     // Room for the largest format (RGBA of Double) and for the LumA rule's second run.
@@ -197,6 +199,8 @@ int AllPairs(bool quick) {
     std::printf("%dx%d: %zu carried pairs, conversion time / memcpy time of (src + trg) / 2 bytes\n", width, height, n);
     std::printf("  min %.2f  median %.2f  90%% %.2f  max %.2f\n", results.front().Ratio, results[n / 2].Ratio,
                 results[n * 9 / 10].Ratio, results.back().Ratio);
+    if (list)
+      for (SResult const& r : results) std::printf("    %6.2f  %s\n", r.Ratio, r.Pair.c_str());
     std::printf("  ten worst:\n");
     for (std::size_t i = n; i > n - std::min<std::size_t>(10, n); --i)
       std::printf("    %6.2f  %s\n", results[i - 1].Ratio, results[i - 1].Pair.c_str());
@@ -211,8 +215,12 @@ int main(int argc, char** argv) {
   for (int i = 1; i < argc; ++i)
     if (std::string(argv[i]) == "--all-pairs") {
       bool quick = false;
-      for (int j = 1; j < argc; ++j) quick = quick || std::string(argv[j]) == "--quick";
-      return AllPairs(quick);
+      bool list = false;
+      for (int j = 1; j < argc; ++j) {
+        quick = quick || std::string(argv[j]) == "--quick";
+        list = list || std::string(argv[j]) == "--list";
+      }
+      return AllPairs(quick, list);
     }
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
