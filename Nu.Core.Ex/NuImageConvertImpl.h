@@ -119,6 +119,30 @@ inline TTrg TargetStep(double v) noexcept {
   }
 }
 
+// Integer pairs with one side of 32 bits and the other of 8 or 16, other than the closed forms.
+template <class TTrg, class TSrc>
+constexpr bool IsWideNarrowPair() noexcept {
+  using Trg = TDataTraits<TTrg>;
+  using Src = TDataTraits<TSrc>;
+  if constexpr (!Trg::IsInteger || !Src::IsInteger || (sizeof(TTrg) == 4) == (sizeof(TSrc) == 4)) {
+    return false;
+  } else {
+    return Trg::IsSigned || Src::IsSigned;  // both unsigned: a closed form
+  }
+}
+
+// For those pairs the rule's result for a positive x is floor(x * Lt / Ls) (the two roundings
+// of the rule move the quotient by far less than its distance to an integer; the tests check
+// every 8/16-bit source value and the edges of the 32-bit ones), and one multiplication gives
+// that: K is Lt / Ls rounded up by a little over one rounding, so that x * K, rounded, is never
+// below the exact quotient and exceeds it by less than Lt * 2^-50 (below 2^-18, or 2^-34 from a
+// 32-bit source). The quotient is a multiple of 1 / Ls (at least 2^-16, or 2^-32 from a 32-bit
+// source), so nothing lies between it and the next integer, and the truncation is the floor.
+template <class TTrg, class TSrc>
+constexpr double RationalScale() noexcept {
+  return TDataTraits<TTrg>::Largest / TDataTraits<TSrc>::Largest * (1.0 + 0x1p-51);
+}
+
 // One channel value from the source's element type to the target's. Equal types
 // are a bit copy: no clamp, NaN payloads and negative zero kept.
 //
@@ -174,23 +198,22 @@ inline TTrg ConvertChannelValue(TSrc x) noexcept {
     } else {
       return x > 0 ? positive : static_cast<TTrg>(0);
     }
-  } else if constexpr (TDataTraits<TSrc>::IsInteger && TDataTraits<TTrg>::IsInteger && sizeof(TSrc) <= 2 &&
-                       sizeof(TTrg) == 4) {
-    // 8/16-bit integer into Int or UInt: the same exact forms (floor(x * Lt / Ls) for x > 0,
-    // checked for every source value), the quotient found without a division: n = x * Lt is an
-    // exact double below 2^48; n times the rounded reciprocal is within 2^-19 of n / Ls, so its
-    // truncation is floor(n / Ls) or one off, and the exact remainder n - q * Ls corrects it.
+  } else if constexpr (IsWideNarrowPair<TTrg, TSrc>()) {
+    // One side 32-bit, the other 8/16-bit (the closed forms aside): one multiplication by
+    // RationalScale, see there; zero and below as the integer forms above.
     using Trg = TDataTraits<TTrg>;
     using Src = TDataTraits<TSrc>;
-    constexpr double inverse = 1.0 / Src::Largest;
-    double const n = static_cast<double>(x) * Trg::Largest;
-    auto q = static_cast<std::int64_t>(n * inverse);
-    double const remainder = n - static_cast<double>(q) * Src::Largest;
-    q = remainder < 0.0 ? q - 1 : (remainder >= Src::Largest ? q + 1 : q);
-    auto const positive = static_cast<TTrg>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(q)));
+    auto const positive = static_cast<TTrg>(static_cast<std::uint32_t>(
+        static_cast<std::int64_t>(static_cast<double>(x) * RationalScale<TTrg, TSrc>())));
     if constexpr (Src::IsSigned && Trg::IsSigned) {
-      constexpr int scale = static_cast<int>(Trg::NegativeMagnitude / Src::NegativeMagnitude);
-      return x > 0 ? positive : static_cast<TTrg>(x * scale);
+      constexpr auto trgMagnitude = static_cast<std::int64_t>(Trg::NegativeMagnitude);
+      constexpr auto srcMagnitude = static_cast<std::int64_t>(Src::NegativeMagnitude);
+      std::int64_t negative;
+      if constexpr (trgMagnitude >= srcMagnitude)
+        negative = x * (trgMagnitude / srcMagnitude);
+      else
+        negative = x / (srcMagnitude / trgMagnitude);  // truncates toward zero
+      return x > 0 ? positive : static_cast<TTrg>(negative);
     } else {
       return x > 0 ? positive : static_cast<TTrg>(0);
     }

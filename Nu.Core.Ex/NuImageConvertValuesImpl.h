@@ -3,6 +3,7 @@
 // NuImageConvertImpl.h. Included by the generated kernel units (one per target data type,
 // compiled with -O3) and by the tests of the instruction-set paths, nowhere else.
 #include <Nu.Core.Ex/NuImageConvertImpl.h>
+#include <Nu.Core.Ex/NuImageConvertLanesImpl.h>
 
 namespace Nu::Detail {
 
@@ -16,10 +17,19 @@ namespace Nu::Detail {
                                                          SE const* __restrict src) noexcept { \
     for (std::size_t i = 0; i < n; ++i) trg[i] = ConvertChannelValue<TE, SE>(src[i]);        \
   }
-NU_CONVERT_VALUES_ISA_(Avx512, NU_ISA_AVX512)
 NU_CONVERT_VALUES_ISA_(Avx2, NU_ISA_AVX2)
 NU_CONVERT_VALUES_ISA_(Baseline, NU_ISA_BASELINE)
 #undef NU_CONVERT_VALUES_ISA_
+
+// AVX-512 takes the lane kernels into integer targets (NuImageConvertLanesImpl.h).
+template <class TE, class SE>
+NU_ISA_AVX512 NU_NOCLONE void ConvertValuesAvx512(std::size_t n, TE* __restrict trg, SE const* __restrict src) noexcept {
+  if constexpr (LaneFormOf<TE, SE>() != ELaneForm::None) {
+    ConvertValuesLanesAvx512<TE, SE>(n, trg, src);
+  } else {
+    for (std::size_t i = 0; i < n; ++i) trg[i] = ConvertChannelValue<TE, SE>(src[i]);
+  }
+}
 
 template <EIsa Isa, class TE, class SE>
 void ConvertValues(std::size_t n, TE* trg, SE const* src) noexcept {

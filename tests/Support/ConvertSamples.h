@@ -75,6 +75,21 @@ inline std::vector<unsigned char> SourceValues(NuRef::SDataRow const& row) {
         for (std::int64_t d : {-1, 0, 1}) add(static_cast<std::uint32_t>(k * 65537u + static_cast<std::uint64_t>(d)));
       for (std::uint64_t k = 0; k < 256; ++k)
         for (std::int64_t d : {-1, 0, 1}) add(static_cast<std::uint32_t>(k * 16843009u + static_cast<std::uint64_t>(d)));
+      // Where floor(x * Lt / Ls) steps for each narrower integer target, and the step before:
+      // the only places where a one-multiplication form of the rule could be one off. Below
+      // zero, the steps of the power-of-two scales.
+      for (std::uint64_t lt : {127u, 255u, 32767u, 65535u}) {
+        auto const ls = static_cast<std::uint64_t>(row.Largest);
+        for (std::uint64_t k = 1; k <= lt; ++k) {
+          std::uint64_t const x = (k * ls + lt - 1) / lt;
+          add(static_cast<std::uint32_t>(x - 1));
+          add(static_cast<std::uint32_t>(x));
+        }
+      }
+      if (row.Signed)
+        for (int shift : {16, 24})
+          for (std::int64_t k = 0; k <= (std::int64_t{1} << (31 - shift)); ++k)
+            for (std::int64_t d : {-1, 0, 1}) add(static_cast<std::uint32_t>(-(k << shift) + d));
       for (int i = 0; i < 200000; ++i) add(static_cast<std::uint32_t>(random()));
       break;
     }

@@ -1,0 +1,150 @@
+#pragma once
+// Private to the library: the AVX-512 value kernels of the pairs whose target is an integer
+// type, written with intrinsics because the compiler's own vectorisation of the value rule's
+// selects and NaN test is several times slower than memory there. Included by
+// NuImageConvertValuesImpl.h only.
+//
+// Every source value, of any type, is an exact double, so eight elements are carried in the
+// lanes of one register through the rule's own double arithmetic (no FMA, no reciprocal where
+// the rule divides) and truncated by the processor's conversion, whose answer for a NaN and
+// for nothing else is the indefinite integer: its low bits are the rule's NaN results.
+#include <Nu.Core.Ex/NuImageConvertImpl.h>
+
+#include <cstddef>
+#include <immintrin.h>
+#include <type_traits>
+
+// GCC 12 reports its own intrinsics' undefined pass-through operands as maybe uninitialised.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+
+namespace Nu::Detail {
+
+// How the lanes compute a pair; None keeps the plain loop (float targets, equal types, the
+// closed integer forms and the 8/16-bit integer pairs, which vectorise well as they are).
+enum class ELaneForm { None, Rule, Rational };
+
+template <class TE, class SE>
+constexpr ELaneForm LaneFormOf() {
+  using Trg = TDataTraits<TE>;
+  using Src = TDataTraits<SE>;
+  constexpr bool closed = (std::is_same_v<SE, unsigned char> || std::is_same_v<SE, unsigned short> ||
+                           std::is_same_v<SE, unsigned int>) &&
+                          (std::is_same_v<TE, unsigned char> || std::is_same_v<TE, unsigned short> ||
+                           std::is_same_v<TE, unsigned int>);
+  if constexpr (IsWideNarrowPair<TE, SE>()) return ELaneForm::Rational;
+  else if constexpr (!Trg::IsInteger || std::is_same_v<TE, SE> || closed) return ELaneForm::None;
+  else if constexpr (Src::IsInteger && sizeof(SE) <= 2 && sizeof(TE) <= 2) return ELaneForm::None;
+  else return ELaneForm::Rule;
+}
+
+#define NU_LANES_ NU_ISA_AVX512 __attribute__((always_inline)) inline
+
+// Eight source elements as exact doubles; the tail reads only the masked elements.
+template <class SE, bool Tail>
+NU_LANES_ __m512d LoadLanes(SE const* src, __mmask8 mask) noexcept {
+  if constexpr (sizeof(SE) == 1) {
+    __m128i const b = Tail ? _mm_maskz_loadu_epi8(mask, src) : _mm_loadl_epi64(reinterpret_cast<__m128i const*>(src));
+    return _mm512_cvtepi32_pd(std::is_signed_v<SE> ? _mm256_cvtepi8_epi32(b) : _mm256_cvtepu8_epi32(b));
+  } else if constexpr (sizeof(SE) == 2) {
+    __m128i const w = Tail ? _mm_maskz_loadu_epi16(mask, src) : _mm_loadu_si128(reinterpret_cast<__m128i const*>(src));
+    return _mm512_cvtepi32_pd(std::is_signed_v<SE> ? _mm256_cvtepi16_epi32(w) : _mm256_cvtepu16_epi32(w));
+  } else if constexpr (std::is_same_v<SE, int> || std::is_same_v<SE, unsigned int>) {
+    __m256i const d = Tail ? _mm256_maskz_loadu_epi32(mask, src) : _mm256_loadu_si256(reinterpret_cast<__m256i const*>(src));
+    return std::is_signed_v<SE> ? _mm512_cvtepi32_pd(d) : _mm512_cvtepu32_pd(d);
+  } else if constexpr (std::is_same_v<SE, float>) {
+    return _mm512_cvtps_pd(Tail ? _mm256_maskz_loadu_ps(mask, src) : _mm256_loadu_ps(src));
+  } else {
+    return Tail ? _mm512_maskz_loadu_pd(mask, src) : _mm512_loadu_pd(src);
+  }
+}
+
+// Truncation toward zero of eight doubles into the target's low bits. A NaN lane becomes the
+// indefinite integer (INT_MIN, or INT64_MIN for UInt), as the rule asks.
+template <class TE, bool Tail>
+NU_LANES_ void StoreLanes(TE* trg, __m512d c, __mmask8 mask) noexcept {
+  if constexpr (std::is_same_v<TE, unsigned int>) {
+    __m256i const d = _mm512_cvtepi64_epi32(_mm512_cvttpd_epi64(c));
+    Tail ? _mm256_mask_storeu_epi32(trg, mask, d) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), d);
+  } else {
+    __m256i const d = _mm512_cvttpd_epi32(c);
+    if constexpr (sizeof(TE) == 4) {
+      Tail ? _mm256_mask_storeu_epi32(trg, mask, d) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), d);
+    } else if constexpr (sizeof(TE) == 2) {
+      __m128i const w = _mm256_cvtepi32_epi16(d);
+      Tail ? _mm_mask_storeu_epi16(trg, mask, w) : _mm_storeu_si128(reinterpret_cast<__m128i*>(trg), w);
+    } else {
+      __m128i const b = _mm256_cvtepi32_epi8(d);
+      Tail ? _mm_mask_storeu_epi8(trg, mask, b) : _mm_storel_epi64(reinterpret_cast<__m128i*>(trg), b);
+    }
+  }
+}
+
+// The rule as written: the source step (an exact power-of-two scale for zero and below of a
+// signed source, a division otherwise), then the target step. x86 min(a, b) is a < b ? a : b
+// and answers b if either is a NaN, so min(L, w) is the rule's "w > L ? L : w" with a NaN
+// passed through, and max(S, c) its "S > c ? S : c".
+template <class TE, class SE>
+NU_LANES_ __m512d RuleLanes(__m512d v) noexcept {
+  using Trg = TDataTraits<TE>;
+  using Src = TDataTraits<SE>;
+  __m512d const zero = _mm512_setzero_pd();
+  __m512d d = v;
+  if constexpr (Src::IsInteger && Src::IsSigned) {
+    __mmask8 const positive = _mm512_cmp_pd_mask(v, _mm512_set1_pd(1.0), _CMP_GE_OQ);
+    d = _mm512_mask_div_pd(_mm512_mul_pd(v, _mm512_set1_pd(Src::NegativeScale)), positive, v,
+                           _mm512_set1_pd(Src::Largest));
+  } else if constexpr (Src::IsInteger) {
+    d = _mm512_div_pd(v, _mm512_set1_pd(Src::Largest));
+  }
+  __m512d w;
+  if constexpr (Trg::IsSigned) {
+    __mmask8 const positive = _mm512_cmp_pd_mask(d, zero, _CMP_GT_OQ);
+    w = _mm512_mask_mul_pd(_mm512_mul_pd(d, _mm512_set1_pd(Trg::NegativeMagnitude)), positive, d,
+                           _mm512_set1_pd(Trg::Largest));
+  } else {
+    w = _mm512_mul_pd(d, _mm512_set1_pd(Trg::Largest));
+  }
+  return _mm512_max_pd(_mm512_set1_pd(Trg::Smallest), _mm512_min_pd(_mm512_set1_pd(Trg::Largest), w));
+}
+
+// Integer pairs with one side of 32 bits and the other of 8 or 16: the one multiplication of
+// RationalScale for a positive x; zero and below give 0 into an unsigned target, otherwise x
+// times the power of two Mt / Ms, which the truncation rounds toward zero as the rule does.
+template <class TE, class SE>
+NU_LANES_ __m512d RationalLanes(__m512d v) noexcept {
+  using Trg = TDataTraits<TE>;
+  using Src = TDataTraits<SE>;
+  __m512d const zero = _mm512_setzero_pd();
+  __m512d negative = zero;
+  if constexpr (Src::IsSigned && Trg::IsSigned)
+    negative = _mm512_mul_pd(v, _mm512_set1_pd(Trg::NegativeMagnitude * Src::NegativeScale));
+  return _mm512_mask_mul_pd(negative, _mm512_cmp_pd_mask(v, zero, _CMP_GT_OQ), v,
+                            _mm512_set1_pd(RationalScale<TE, SE>()));
+}
+
+template <class TE, class SE, bool Tail>
+NU_LANES_ void ConvertLanes(TE* trg, SE const* src, __mmask8 mask) noexcept {
+  __m512d const v = LoadLanes<SE, Tail>(src, mask);
+  if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Rational)
+    StoreLanes<TE, Tail>(trg, RationalLanes<TE, SE>(v), mask);
+  else
+    StoreLanes<TE, Tail>(trg, RuleLanes<TE, SE>(v), mask);
+}
+
+template <class TE, class SE>
+NU_LANES_ void ConvertValuesLanesAvx512(std::size_t n, TE* trg, SE const* src) noexcept {
+  std::size_t i = 0;
+  for (; i + 8 <= n; i += 8) ConvertLanes<TE, SE, false>(trg + i, src + i, 0xFF);
+  if (i < n) ConvertLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask8>((1u << (n - i)) - 1));
+}
+
+#undef NU_LANES_
+
+}  // namespace Nu::Detail
+
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
