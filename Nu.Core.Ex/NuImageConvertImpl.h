@@ -248,14 +248,15 @@ template <> struct TBitsOf<2> { using Type = std::uint16_t; };
 template <> struct TBitsOf<4> { using Type = std::uint32_t; };
 template <> struct TBitsOf<8> { using Type = std::uint64_t; };
 
+constexpr bool IsWord(std::size_t bytes) noexcept { return bytes == 1 || bytes == 2 || bytes == 4 || bytes == 8; }
+
 template <class T, unsigned int TrgStride, unsigned int SrcStride, unsigned int Colours, int T0, int S0,
           int T1, int S1, int T2, int S2, int TrgAlpha, int SrcAlpha, EPass Pass>
 __attribute__((always_inline)) inline void MoveElementsBody(std::size_t count, T* __restrict trg,
                                                             T const* __restrict src, T fill) noexcept {
   constexpr std::size_t trgPixelBytes = TrgStride * sizeof(T);
   constexpr std::size_t srcPixelBytes = SrcStride * sizeof(T);
-  constexpr auto isWord = [](std::size_t bytes) { return bytes == 1 || bytes == 2 || bytes == 4 || bytes == 8; };
-  if constexpr (Pass == EPass::Full && trgPixelBytes > 1 && isWord(trgPixelBytes) && isWord(srcPixelBytes)) {
+  if constexpr (Pass == EPass::Full && trgPixelBytes > 1 && IsWord(trgPixelBytes) && IsWord(srcPixelBytes)) {
     // A whole pixel fits a machine word on both sides: assemble each target pixel in a register
     // and store it at once (the same bytes as element by element, since a full pass writes every
     // element of the target pixel), which vectorises where scattered element stores do not.
@@ -296,44 +297,122 @@ __attribute__((always_inline)) inline void MoveElementsBody(std::size_t count, T
   }
 }
 
-// The LumA rule's partial passes write one element of each two-element target pixel and must
-// leave the other untouched. With AVX-512 each 64 bytes of target come from one two-register
-// permute of the source elements and one byte-masked store, which writes exactly the bytes of
-// the chosen elements (no read-modify-write); the tail uses the same permute with masked load
-// and store. Byte elements need VBMI for the byte permute.
+// With AVX-512 the element moves of a pixel shape that is not one machine word, and the LumA
+// rule's partial passes, are permutes: each 64 bytes of target come from a window of at most
+// 256 source bytes through one or two two-register permutes, the filled alpha is a blend, and
+// the store is whole. A partial pass writes one element of each two-element target pixel and
+// must leave the other untouched: in the body it stores back the bytes it has just read
+// (inside the run, in one thread), at the ends it uses a byte-masked store, which writes
+// exactly the chosen bytes. A target pixel of 3 * 2^k bytes repeats every three vectors, each
+// with its own table. Byte elements need VBMI for the byte permute.
 template <class T>
 NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline __m512i Permute2(__m512i lo, __m512i index,
-                                                                                         __m512i hi) noexcept {
+                                                                         __m512i hi) noexcept {
   if constexpr (sizeof(T) == 1) return _mm512_permutex2var_epi8(lo, index, hi);
   if constexpr (sizeof(T) == 2) return _mm512_permutex2var_epi16(lo, index, hi);
   if constexpr (sizeof(T) == 4) return _mm512_permutex2var_epi32(lo, index, hi);
   if constexpr (sizeof(T) == 8) return _mm512_permutex2var_epi64(lo, index, hi);
 }
 
-template <class T>
-struct TLanes {
-  T Index[64 / sizeof(T)];
+template <class T, unsigned int TrgStride, unsigned int SrcStride, unsigned int Colours, int T0, int S0, int T1,
+          int S1, int T2, int S2, int TrgAlpha, int SrcAlpha, EPass Pass>
+struct TPermuteMove {
+  static constexpr std::size_t Lanes = 64 / sizeof(T);
+  static constexpr std::size_t TrgPixel = TrgStride * sizeof(T);
+  static constexpr std::size_t SrcPixel = SrcStride * sizeof(T);
+  static constexpr std::size_t Vectors = TrgPixel % 3 == 0 ? 3 : 1;
+  static constexpr std::size_t Pixels = 64 * Vectors / TrgPixel;  // target pixels per group of vectors
+  static_assert(Pixels * TrgPixel == 64 * Vectors);
+  static constexpr int Keep = -1, Fill = -2;
+
+  // What each target element of a pixel receives in this pass.
+  static constexpr int From(std::size_t k) {
+    int from = Keep;
+    auto const element = static_cast<int>(k);
+    if (Pass != EPass::AlphaOnly) {
+      if (element == T0) from = S0;
+      if (Colours == 3 && element == T1) from = S1;
+      if (Colours == 3 && element == T2) from = S2;
+    }
+    if (Pass != EPass::ColourOnly && TrgAlpha >= 0 && element == TrgAlpha) from = SrcAlpha >= 0 ? SrcAlpha : Fill;
+    return from;
+  }
+
+  struct alignas(64) SIndex {
+    T Lane[Lanes];
+  };
+  struct STables {
+    SIndex Index[Vectors][2];       // into the window's registers 0-1 and 2-3
+    std::uint64_t Upper[Vectors];   // bytes taken from registers 2-3
+    std::uint64_t Filled[Vectors];  // bytes of the filled alpha
+    std::uint64_t Written[Vectors];
+    std::size_t Window[Vectors];    // first source element of each vector's window
+    std::size_t Span;               // elements of the widest window
+  };
+  static constexpr STables Tables = [] {
+    STables t{};
+    for (std::size_t v = 0; v < Vectors; ++v) {
+      t.Window[v] = v * Lanes / TrgStride * SrcStride;
+      for (std::size_t lane = 0; lane < Lanes; ++lane) {
+        std::size_t const element = v * Lanes + lane;
+        int const from = From(element % TrgStride);
+        std::uint64_t const bytes = ((std::uint64_t{1} << sizeof(T)) - 1) << (lane * sizeof(T));
+        if (from != Keep) t.Written[v] |= bytes;
+        if (from == Fill) t.Filled[v] |= bytes;
+        if (from < 0) continue;
+        std::size_t const source = element / TrgStride * SrcStride + static_cast<std::size_t>(from) - t.Window[v];
+        if (source + 1 > t.Span) t.Span = source + 1;
+        bool const upper = source >= 2 * Lanes;
+        if (upper) t.Upper[v] |= bytes;
+        t.Index[v][upper ? 1 : 0].Lane[lane] = static_cast<T>(source % (2 * Lanes));
+      }
+    }
+    return t;
+  }();
+  static constexpr std::size_t Registers = Tables.Span > 2 * Lanes ? 4 : 2;
+  // Source bytes a group reads past its first pixel: its last window's end.
+  static constexpr std::size_t WindowEnd = Tables.Window[Vectors - 1] * sizeof(T) + Registers * 64;
+  // The word path of MoveElementsBody covers the other full passes.
+  static constexpr bool Applies =
+      Tables.Span <= 4 * Lanes && (Pass != EPass::Full || TrgPixel == 1 || !IsWord(TrgPixel) || !IsWord(SrcPixel));
 };
 
-template <class T, unsigned int TrgStride, unsigned int SrcStride, int Written, int From, bool Fill>
-NU_ISA_AVX512_VBMI __attribute__((noinline)) void MovePartialAvx512(std::size_t count, T* trg,
-                                                                                   T const* src, T fill) noexcept {
-  constexpr std::size_t perStore = 64 / (TrgStride * sizeof(T));   // target pixels per store
-  constexpr std::size_t srcSpan = perStore * SrcStride * sizeof(T);  // at most 128 bytes
-  static_assert(srcSpan <= 128);
-  alignas(64) constexpr TLanes<T> indices = [] {
-    TLanes<T> table{};
-    for (std::size_t k = 0; k < perStore; ++k)
-      table.Index[k * TrgStride + Written] = static_cast<T>(k * SrcStride + (From < 0 ? 0 : From));
-    return table;
-  }();
-  constexpr std::uint64_t mask = [] {
-    std::uint64_t m = 0;
-    for (std::size_t k = 0; k < perStore; ++k)
-      for (std::size_t b = 0; b < sizeof(T); ++b) m |= std::uint64_t{1} << ((k * TrgStride + Written) * sizeof(T) + b);
-    return m;
-  }();
-  __m512i const index = _mm512_load_si512(&indices);
+inline std::uint64_t BytesBelow(std::size_t at, std::size_t total) noexcept {
+  if (at >= total) return 0;
+  return total - at >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << (total - at)) - 1;
+}
+
+// One target vector of a group; Tail: near the ends of the runs, every access masked to them.
+template <class Move, bool Tail, class T>
+NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void MovePermuteVector(
+    std::size_t group, std::size_t v, char* trg, char const* src, std::size_t trgTotal, std::size_t srcTotal,
+    __m512i fill) noexcept {
+  constexpr auto const& tables = Move::Tables;
+  std::size_t const trgAt = group * Move::Pixels * Move::TrgPixel + v * 64;
+  std::size_t const srcAt = group * Move::Pixels * Move::SrcPixel + tables.Window[v] * sizeof(T);
+  __m512i r[4];
+  for (std::size_t k = 0; k < Move::Registers; ++k)
+    r[k] = Tail ? _mm512_maskz_loadu_epi8(BytesBelow(srcAt + 64 * k, srcTotal), src + srcAt + 64 * k)
+                : _mm512_loadu_si512(src + srcAt + 64 * k);
+  __m512i value = Permute2<T>(r[0], _mm512_load_si512(&tables.Index[v][0]), r[1]);
+  if constexpr (Move::Registers == 4)
+    value = _mm512_mask_blend_epi8(tables.Upper[v], value, Permute2<T>(r[2], _mm512_load_si512(&tables.Index[v][1]), r[3]));
+  value = _mm512_mask_blend_epi8(tables.Filled[v], value, fill);
+  char* const at = trg + trgAt;
+  if constexpr (Tail) {
+    _mm512_mask_storeu_epi8(at, tables.Written[v] & BytesBelow(trgAt, trgTotal), value);
+  } else if (tables.Written[v] == ~std::uint64_t{0}) {
+    _mm512_storeu_si512(at, value);
+  } else {
+    _mm512_storeu_si512(at, _mm512_mask_blend_epi8(tables.Written[v], _mm512_loadu_si512(at), value));
+  }
+}
+
+template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2, int S2,
+          int TA, int SA, EPass Pass>
+NU_ISA_AVX512_VBMI __attribute__((noinline)) void MovePermuteAvx512(std::size_t count, T* trg, T const* src,
+                                                                    T fill) noexcept {
+  using Move = TPermuteMove<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>;
   __m512i fillVector;
   if constexpr (sizeof(T) == 1) fillVector = _mm512_set1_epi8(static_cast<char>(fill));
   if constexpr (sizeof(T) == 2) fillVector = _mm512_set1_epi16(static_cast<short>(fill));
@@ -341,52 +420,35 @@ NU_ISA_AVX512_VBMI __attribute__((noinline)) void MovePartialAvx512(std::size_t 
   if constexpr (sizeof(T) == 8) fillVector = _mm512_set1_epi64(static_cast<long long>(fill));
   auto const* srcBytes = reinterpret_cast<char const*>(src);
   auto* trgBytes = reinterpret_cast<char*>(trg);
-  auto bytesMask = [](std::size_t bytes) {
-    return bytes >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << bytes) - 1;
-  };
-  for (std::size_t p = 0; p < count; p += perStore) {
-    std::size_t const n = count - p < perStore ? count - p : perStore;
-    __m512i value = fillVector;
-    if constexpr (!Fill) {
-      std::size_t const need = n * SrcStride * sizeof(T);
-      char const* from = srcBytes + p * SrcStride * sizeof(T);
-      __m512i const lo = _mm512_maskz_loadu_epi8(bytesMask(need), from);
-      __m512i hi = _mm512_setzero_si512();
-      if constexpr (srcSpan > 64) hi = _mm512_maskz_loadu_epi8(need > 64 ? bytesMask(need - 64) : 0, from + 64);
-      value = Permute2<T>(lo, index, hi);
-    }
-    _mm512_mask_storeu_epi8(trgBytes + p * TrgStride * sizeof(T), mask & bytesMask(n * TrgStride * sizeof(T)), value);
-  }
+  std::size_t const srcTotal = count * Move::SrcPixel;
+  std::size_t const trgTotal = count * Move::TrgPixel;
+  std::size_t group = 0;
+  for (; (group + 1) * Move::Pixels <= count && group * Move::Pixels * Move::SrcPixel + Move::WindowEnd <= srcTotal;
+       ++group)
+    for (std::size_t v = 0; v < Move::Vectors; ++v)
+      MovePermuteVector<Move, false, T>(group, v, trgBytes, srcBytes, trgTotal, srcTotal, fillVector);
+  for (; group * Move::Pixels < count; ++group)
+    for (std::size_t v = 0; v < Move::Vectors; ++v)
+      MovePermuteVector<Move, true, T>(group, v, trgBytes, srcBytes, trgTotal, srcTotal, fillVector);
 }
 
-template <class T, unsigned int TrgStride, unsigned int SrcStride, unsigned int Colours, int T0, int S0, int T1,
-          int S1, int T2, int S2, int TrgAlpha, int SrcAlpha, EPass Pass>
-NU_ISA_AVX512 __attribute__((always_inline)) inline bool MoveElementsMaskedAvx512(std::size_t count, T* trg,
-                                                                                 T const* src, T fill) noexcept {
-  if constexpr (Pass != EPass::Full && Colours == 1 && TrgStride == 2 && SrcStride <= 4) {
-    if (!__builtin_cpu_supports("avx512vbmi")) return false;  // the permute function is built with VBMI
-    constexpr int written = Pass == EPass::ColourOnly ? T0 : TrgAlpha;
-    constexpr int from = Pass == EPass::ColourOnly ? S0 : SrcAlpha;
-    MovePartialAvx512<T, TrgStride, SrcStride, written, from, Pass == EPass::AlphaOnly && SrcAlpha < 0>(count, trg, src, fill);
-    return true;
-  }
-  return false;
-}
-
-#define NU_MOVE_ELEMENTS_ISA_(ISA, ATTR)                                                              \
-  template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, \
-            int T2, int S2, int TA, int SA, EPass Pass>                                               \
-  ATTR NU_NOCLONE void MoveElements##ISA(std::size_t count, T* __restrict trg,        \
-                                                        T const* __restrict src, T fill) noexcept {   \
-    MoveElementsBody<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);      \
-  }
 template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2, int S2,
           int TA, int SA, EPass Pass>
 NU_ISA_AVX512 NU_NOCLONE void MoveElementsAvx512(std::size_t count, T* __restrict trg, T const* __restrict src,
                                                  T fill) noexcept {
-  if (!MoveElementsMaskedAvx512<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill))
-    MoveElementsBody<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+  if constexpr (TPermuteMove<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>::Applies) {
+    if (__builtin_cpu_supports("avx512vbmi"))  // the permute function is built with VBMI
+      return MovePermuteAvx512<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+  }
+  MoveElementsBody<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
 }
+#define NU_MOVE_ELEMENTS_ISA_(ISA, ATTR)                                                              \
+  template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, \
+            int T2, int S2, int TA, int SA, EPass Pass>                                               \
+  ATTR NU_NOCLONE void MoveElements##ISA(std::size_t count, T* __restrict trg,                        \
+                                         T const* __restrict src, T fill) noexcept {                  \
+    MoveElementsBody<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);      \
+  }
 NU_MOVE_ELEMENTS_ISA_(Avx2, NU_ISA_AVX2)
 NU_MOVE_ELEMENTS_ISA_(Baseline, NU_ISA_BASELINE)
 #undef NU_MOVE_ELEMENTS_ISA_
