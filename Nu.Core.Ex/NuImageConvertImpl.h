@@ -156,7 +156,7 @@ constexpr double RationalScale() noexcept {
 //   single's precision, so single(x / 255.0) is the correctly rounded x / 255, which is what
 //   x / 255.0f gives (innocuous double rounding). The negative scale is exact either way.
 template <class TTrg, class TSrc>
-inline TTrg ConvertChannelValue(TSrc x) noexcept {
+constexpr TTrg ConvertChannelValue(TSrc x) noexcept {
   using U8 = unsigned char;
   using U16 = unsigned short;
   using U32 = unsigned int;
@@ -555,14 +555,17 @@ struct TConvertRun {
   // Every target element comes from the source element at the same place.
   static constexpr bool Identity = !AlphaShift && TrgStride == SrcStride && T0 == S0 &&
                                    (Colours == 1 || (T1 == S1 && T2 == S2)) && (TrgAlpha < 0 || TrgAlpha == SrcAlpha);
+  // A target with fewer elements than the source and nothing to fill: the layout moves go
+  // first, on the source's elements, so that only the elements kept are converted.
+  static constexpr bool MovesFirst = !AlphaShift && SrcStride > TrgStride && !(TrgAlpha >= 0 && SrcAlpha < 0);
   static constexpr std::size_t Block = 256;  // pixels per step through the L1 buffer
   static constexpr std::size_t SmallRun = 16;
 
   // Runs that do not overlap: the result is the same as the forward passes (each element is
   // written once from a value that no write changes), so the passes may be fused and the value
   // rule applied to contiguous blocks: first the values into a small buffer in the source
-  // layout, then the layout moves as bits. Identical layouts skip the buffer; equal types skip
-  // the values.
+  // layout, then the layout moves as bits (or the moves first, see MovesFirst). Identical
+  // layouts skip the buffer; equal types skip the values.
   // Values and Moves are the kernels of one instruction set (the tests pass each in turn) or,
   // in the library, those that choose the CPU's instruction set at each call.
   template <class Values, class Moves>
@@ -578,6 +581,16 @@ struct TConvertRun {
     } else if constexpr (SameType) {
       Moves::template Run<Bits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha, EPass::Full>(
           count, trgBits, reinterpret_cast<Bits const*>(src), fill);
+    } else if constexpr (MovesFirst) {
+      using SourceBits = typename TBitsOf<sizeof(SE)>::Type;
+      alignas(64) SE tmp[Block * TrgStride];
+      for (std::size_t p = 0; p < count; p += Block) {
+        std::size_t const n = count - p < Block ? count - p : Block;
+        Moves::template Run<SourceBits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha,
+                            EPass::Full>(n, reinterpret_cast<SourceBits*>(tmp),
+                                         reinterpret_cast<SourceBits const*>(src + p * SrcStride), SourceBits{});
+        Values::Run(n * TrgStride, trg + p * TrgStride, tmp);
+      }
     } else {
       alignas(64) TE tmp[Block * SrcStride];
       auto const* tmpBits = reinterpret_cast<Bits const*>(tmp);
