@@ -133,26 +133,19 @@ std::vector<SCase> MakeCases() {
 }
 
 char const* PixelName(EPixelType::ID id) {
-  switch (id) {
-    case EPixelType::RGB: return "RGB";
-    case EPixelType::RGBA: return "RGBA";
-    case EPixelType::BGR: return "BGR";
-    case EPixelType::BGRA: return "BGRA";
-    case EPixelType::Lum: return "Lum";
-    case EPixelType::LumA: return "LumA";
-    default: return "?";
-  }
+#define NU_COMPARE_PIXEL_NAME_(L, ...) \
+  if (id == EPixelType::L) return #L;
+  NU_PIXEL_LAYOUTS(NU_COMPARE_PIXEL_NAME_)
+#undef NU_COMPARE_PIXEL_NAME_
+  return "?";
 }
 
 char const* DataName(EDataType::ID id) {
-  switch (id) {
-    case EDataType::UByte: return "UByte";
-    case EDataType::UShort: return "UShort";
-    case EDataType::Short: return "Short";
-    case EDataType::Float: return "Float";
-    case EDataType::Double: return "Double";
-    default: return "?";
-  }
+#define NU_COMPARE_DATA_NAME_(D, ...) \
+  if (id == EDataType::D) return #D;
+  NU_DATA_TYPES(NU_COMPARE_DATA_NAME_)
+#undef NU_COMPARE_DATA_NAME_
+  return "?";
 }
 
 int OpenCvType(EPixelType::ID pixel, EDataType::ID data) {
