@@ -433,16 +433,6 @@ NU_ISA_AVX512_VBMI __attribute__((noinline)) void MovePermuteAvx512(std::size_t 
       MovePermuteVector<Move, true, T>(group, v, trgBytes, srcBytes, trgTotal, srcTotal, fillVector);
 }
 
-template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2, int S2,
-          int TA, int SA, EPass Pass>
-NU_ISA_AVX512 NU_NOCLONE void MoveElementsAvx512(std::size_t count, T* __restrict trg, T const* __restrict src,
-                                                 T fill) noexcept {
-  if constexpr (TPermuteMove<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>::Applies) {
-    if (__builtin_cpu_supports("avx512vbmi"))  // the permute function is built with VBMI
-      return MovePermuteAvx512<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-  }
-  MoveElementsBody<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-}
 #define NU_MOVE_ELEMENTS_ISA_(ISA, ATTR)                                                              \
   template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, \
             int T2, int S2, int TA, int SA, EPass Pass>                                               \
@@ -452,6 +442,19 @@ NU_ISA_AVX512 NU_NOCLONE void MoveElementsAvx512(std::size_t count, T* __restric
   }
 NU_MOVE_ELEMENTS_ISA_(Avx2, NU_ISA_AVX2)
 NU_MOVE_ELEMENTS_ISA_(Baseline, NU_ISA_BASELINE)
+template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2, int S2,
+          int TA, int SA, EPass Pass>
+NU_ISA_AVX512 NU_NOCLONE void MoveElementsAvx512(std::size_t count, T* __restrict trg, T const* __restrict src,
+                                                 T fill) noexcept {
+  if constexpr (TPermuteMove<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>::Applies) {
+    if (__builtin_cpu_supports("avx512vbmi"))  // the permute function is built with VBMI
+      return MovePermuteAvx512<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+    // AVX-512 without VBMI: the AVX2 loop, rather than a third compiled copy of it.
+    return MoveElementsAvx2<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+  } else {
+    MoveElementsBody<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+  }
+}
 #undef NU_MOVE_ELEMENTS_ISA_
 
 template <EIsa Isa, class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1,
@@ -588,7 +591,7 @@ struct TConvertRun {
   // in the library, those that choose the CPU's instruction set at each call.
   // Pixels p .. p + count - 1 into `to`, in the target layout, by the full pass.
   template <class Values, class Moves>
-  static void Produce(std::size_t p, std::size_t count, Bits* to, SE const* src, Bits fill) noexcept {
+  __attribute__((noinline)) static void Produce(std::size_t p, std::size_t count, Bits* to, SE const* src, Bits fill) noexcept {
     auto const* srcBits = reinterpret_cast<Bits const*>(src);
     if constexpr (Identity) {
       Values::Run(count * TrgStride, reinterpret_cast<TE*>(to), src + p * SrcStride);
