@@ -589,8 +589,9 @@ struct TConvertRun {
   // layouts skip the buffer; equal types skip the values.
   // Values and Moves are the kernels of one instruction set (the tests pass each in turn) or,
   // in the library, those that choose the CPU's instruction set at each call.
-  // Pixels p .. p + count - 1 into `to`, in the target layout, by the full pass.
-  template <class Values, class Moves>
+  // Pixels p .. p + count - 1 into `to`, in the target layout, by the full pass (or the colour
+  // pass of the LumA rule, which always takes the values-then-moves road).
+  template <class Values, class Moves, EPass Pass = EPass::Full>
   __attribute__((noinline)) static void Produce(std::size_t p, std::size_t count, Bits* to, SE const* src, Bits fill) noexcept {
     auto const* srcBits = reinterpret_cast<Bits const*>(src);
     if constexpr (Identity) {
@@ -613,8 +614,8 @@ struct TConvertRun {
       for (std::size_t q = 0; q < count; q += Block) {
         std::size_t const n = count - q < Block ? count - q : Block;
         Values::Run(n * SrcStride, tmp, src + (p + q) * SrcStride);
-        Moves::template Run<Bits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha,
-                            EPass::Full>(n, to + q * TrgStride, reinterpret_cast<Bits const*>(tmp), fill);
+        Moves::template Run<Bits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha, Pass>(
+            n, to + q * TrgStride, reinterpret_cast<Bits const*>(tmp), fill);
       }
     }
   }
@@ -649,14 +650,9 @@ struct TConvertRun {
         Produce<Values, Moves>(0, count, trgBits, src, fill);
       }
     } else {
+      Produce<Values, Moves, EPass::ColourOnly>(0, count, trgBits, src, fill);
       alignas(64) TE tmp[Block * SrcStride];
       auto const* tmpBits = reinterpret_cast<Bits const*>(tmp);
-      for (std::size_t p = 0; p < count; p += Block) {
-        std::size_t const n = count - p < Block ? count - p : Block;
-        Values::Run(n * SrcStride, tmp, src + p * SrcStride);
-        Moves::template Run<Bits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha,
-                            EPass::ColourOnly>(n, trgBits + p * TrgStride, tmpBits, fill);
-      }
       // The LumA-target rule: alphas of pixels count .. 2 * count - 1, see Forward.
       for (std::size_t p = count; p < 2 * count; p += Block) {
         std::size_t const n = 2 * count - p < Block ? 2 * count - p : Block;
