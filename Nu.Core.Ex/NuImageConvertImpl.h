@@ -6,11 +6,9 @@
 #include <Nu.Core.Ex/NuImage.h>
 #include <Nu.Core.Ex/NuImageConvertIsaImpl.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <immintrin.h>
 #include <iterator>
 #include <type_traits>
 
@@ -251,283 +249,98 @@ template <> struct TBitsOf<8> { using Type = std::uint64_t; };
 
 constexpr bool IsWord(std::size_t bytes) noexcept { return bytes == 1 || bytes == 2 || bytes == 4 || bytes == 8; }
 
-template <class T, unsigned int TrgStride, unsigned int SrcStride, unsigned int Colours, int T0, int S0,
-          int T1, int S1, int T2, int S2, int TrgAlpha, int SrcAlpha, EPass Pass>
-__attribute__((always_inline)) inline void MoveElementsBody(std::size_t count, T* __restrict trg,
-                                                            T const* __restrict src, T fill) noexcept {
-  constexpr std::size_t trgPixelBytes = TrgStride * sizeof(T);
-  constexpr std::size_t srcPixelBytes = SrcStride * sizeof(T);
-  if constexpr (Pass == EPass::Full && trgPixelBytes > 1 && IsWord(trgPixelBytes) && IsWord(srcPixelBytes)) {
-    // A whole pixel fits a machine word on both sides: assemble each target pixel in a register
-    // and store it at once (the same bytes as element by element, since a full pass writes every
-    // element of the target pixel), which vectorises where scattered element stores do not.
-    using TrgWord = typename TBitsOf<trgPixelBytes>::Type;
-    using SrcWord = typename TBitsOf<srcPixelBytes>::Type;
-    constexpr unsigned int bits = 8 * sizeof(T);
-    for (std::size_t p = 0; p < count; ++p) {
-      SrcWord word;
-      std::memcpy(&word, src + p * SrcStride, sizeof word);
-      auto element = [word](int k) { return static_cast<TrgWord>(static_cast<T>(word >> (bits * k))); };
-      TrgWord pixel = static_cast<TrgWord>(element(S0) << (bits * T0));
-      if constexpr (Colours == 3)
-        pixel |= static_cast<TrgWord>((element(S1) << (bits * T1)) | (element(S2) << (bits * T2)));
-      if constexpr (TrgAlpha >= 0) {
-        TrgWord const alpha = SrcAlpha >= 0 ? element(SrcAlpha) : static_cast<TrgWord>(fill);
-        pixel |= static_cast<TrgWord>(alpha << (bits * TrgAlpha));
-      }
-      std::memcpy(trg + p * TrgStride, &pixel, sizeof pixel);
-    }
-    return;
-  }
-  for (std::size_t p = 0; p < count; ++p) {
-    T* t = trg + p * TrgStride;
-    T const* s = src + p * SrcStride;
-    if constexpr (Pass != EPass::AlphaOnly) {
-      t[T0] = s[S0];
-      if constexpr (Colours == 3) {
-        t[T1] = s[S1];
-        t[T2] = s[S2];
-      }
-    }
-    if constexpr (Pass != EPass::ColourOnly && TrgAlpha >= 0) {
-      if constexpr (SrcAlpha >= 0)
-        t[TrgAlpha] = s[SrcAlpha];
-      else
-        t[TrgAlpha] = fill;
-    }
-  }
-}
-
-// With AVX-512 the element moves of a pixel shape that is not one machine word, and the LumA
-// rule's partial passes, are permutes: each 64 bytes of target come from a window of at most
-// 256 source bytes through one or two two-register permutes, the filled alpha is a blend, and
-// the store is whole. A partial pass writes one element of each two-element target pixel and
-// must leave the other untouched: in the body it stores back the bytes it has just read
-// (inside the run, in one thread), at the ends it uses a byte-masked store, which writes
-// exactly the chosen bytes. A target pixel of 3 * 2^k bytes repeats every three vectors, each
-// with its own table. Byte elements need VBMI for the byte permute.
-template <class T>
-NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline __m512i Permute2(__m512i lo, __m512i index,
-                                                                         __m512i hi) noexcept {
-  if constexpr (sizeof(T) == 1) return _mm512_permutex2var_epi8(lo, index, hi);
-  if constexpr (sizeof(T) == 2) return _mm512_permutex2var_epi16(lo, index, hi);
-  if constexpr (sizeof(T) == 4) return _mm512_permutex2var_epi32(lo, index, hi);
-  if constexpr (sizeof(T) == 8) return _mm512_permutex2var_epi64(lo, index, hi);
-}
-
-template <class T, unsigned int TrgStride, unsigned int SrcStride, unsigned int Colours, int T0, int S0, int T1,
-          int S1, int T2, int S2, int TrgAlpha, int SrcAlpha, EPass Pass>
-struct TPermuteMove {
-  static constexpr std::size_t Lanes = 64 / sizeof(T);
-  static constexpr std::size_t TrgPixel = TrgStride * sizeof(T);
-  static constexpr std::size_t SrcPixel = SrcStride * sizeof(T);
-  static constexpr std::size_t Vectors = TrgPixel % 3 == 0 ? 3 : 1;
-  static constexpr std::size_t Pixels = 64 * Vectors / TrgPixel;  // target pixels per group of vectors
-  static_assert(Pixels * TrgPixel == 64 * Vectors);
-  static constexpr int Keep = -1, Fill = -2;
-
-  // What each target element of a pixel receives in this pass.
-  static constexpr int From(std::size_t k) {
-    int from = Keep;
-    auto const element = static_cast<int>(k);
-    if (Pass != EPass::AlphaOnly) {
-      if (element == T0) from = S0;
-      if (Colours == 3 && element == T1) from = S1;
-      if (Colours == 3 && element == T2) from = S2;
-    }
-    if (Pass != EPass::ColourOnly && TrgAlpha >= 0 && element == TrgAlpha) from = SrcAlpha >= 0 ? SrcAlpha : Fill;
-    return from;
-  }
-
-  struct alignas(64) SIndex {
-    T Lane[Lanes];
-  };
-  struct STables {
-    SIndex Index[Vectors][2];       // into the window's registers 0-1 and 2-3
-    std::uint64_t Upper[Vectors];   // bytes taken from registers 2-3
-    std::uint64_t Filled[Vectors];  // bytes of the filled alpha
-    std::uint64_t Written[Vectors];
-    std::size_t Window[Vectors];    // first source element of each vector's window
-    std::size_t Span;               // elements of the widest window
-  };
-  static constexpr STables Tables = [] {
-    STables t{};
-    for (std::size_t v = 0; v < Vectors; ++v) {
-      t.Window[v] = v * Lanes / TrgStride * SrcStride;
-      for (std::size_t lane = 0; lane < Lanes; ++lane) {
-        std::size_t const element = v * Lanes + lane;
-        int const from = From(element % TrgStride);
-        std::uint64_t const bytes = ((std::uint64_t{1} << sizeof(T)) - 1) << (lane * sizeof(T));
-        if (from != Keep) t.Written[v] |= bytes;
-        if (from == Fill) t.Filled[v] |= bytes;
-        if (from < 0) continue;
-        std::size_t const source = element / TrgStride * SrcStride + static_cast<std::size_t>(from) - t.Window[v];
-        if (source + 1 > t.Span) t.Span = source + 1;
-        bool const upper = source >= 2 * Lanes;
-        if (upper) t.Upper[v] |= bytes;
-        t.Index[v][upper ? 1 : 0].Lane[lane] = static_cast<T>(source % (2 * Lanes));
-      }
-    }
-    return t;
-  }();
-  static constexpr std::size_t Registers = Tables.Span > 2 * Lanes ? 4 : 2;
-  // Source bytes a group reads past its first pixel: its last window's end.
-  static constexpr std::size_t WindowEnd = Tables.Window[Vectors - 1] * sizeof(T) + Registers * 64;
-  // The word path of MoveElementsBody covers the other full passes.
-  static constexpr bool Applies =
-      Tables.Span <= 4 * Lanes && (Pass != EPass::Full || TrgPixel == 1 || !IsWord(TrgPixel) || !IsWord(SrcPixel));
+// The index map of a layout pair:
+//   TrgStride, SrcStride: elements per pixel. Colours: 1 or 3 target colours.
+//   (T0, S0), (T1, S1), (T2, S2): target element <- source element, written in this order
+//   (red, green, blue). TrgAlpha: target alpha element or -1. SrcAlpha: source alpha or -1.
+template <unsigned int TrgStrideV, unsigned int SrcStrideV, unsigned int ColoursV, int T0V, int S0V, int T1V,
+          int S1V, int T2V, int S2V, int TrgAlphaV, int SrcAlphaV>
+struct TShape {
+  static constexpr unsigned int TrgStride = TrgStrideV, SrcStride = SrcStrideV, Colours = ColoursV;
+  static constexpr int T0 = T0V, S0 = S0V, T1 = T1V, S1 = S1V, T2 = T2V, S2 = S2V;
+  static constexpr int TrgAlpha = TrgAlphaV, SrcAlpha = SrcAlphaV;
+  // Every target element comes from the source element at the same place.
+  static constexpr bool Identity = TrgStride == SrcStride && T0 == S0 && (Colours == 1 || (T1 == S1 && T2 == S2)) &&
+                                   (TrgAlpha < 0 || TrgAlpha == SrcAlpha);
 };
 
-inline std::uint64_t BytesBelow(std::size_t at, std::size_t total) noexcept {
-  if (at >= total) return 0;
-  return total - at >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << (total - at)) - 1;
-}
-
-// One target vector of a group; Tail: near the ends of the runs, every access masked to them.
-template <class Move, bool Tail, class T>
-NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void MovePermuteVector(
-    std::size_t group, std::size_t v, char* trg, char const* src, std::size_t trgTotal, std::size_t srcTotal,
-    __m512i fill) noexcept {
-  constexpr auto const& tables = Move::Tables;
-  std::size_t const trgAt = group * Move::Pixels * Move::TrgPixel + v * 64;
-  std::size_t const srcAt = group * Move::Pixels * Move::SrcPixel + tables.Window[v] * sizeof(T);
-  __m512i r[4];
-  for (std::size_t k = 0; k < Move::Registers; ++k)
-    r[k] = Tail ? _mm512_maskz_loadu_epi8(BytesBelow(srcAt + 64 * k, srcTotal), src + srcAt + 64 * k)
-                : _mm512_loadu_si512(src + srcAt + 64 * k);
-  __m512i value = Permute2<T>(r[0], _mm512_load_si512(&tables.Index[v][0]), r[1]);
-  if constexpr (Move::Registers == 4)
-    value = _mm512_mask_blend_epi8(tables.Upper[v], value, Permute2<T>(r[2], _mm512_load_si512(&tables.Index[v][1]), r[3]));
-  value = _mm512_mask_blend_epi8(tables.Filled[v], value, fill);
-  char* const at = trg + trgAt;
-  if constexpr (Tail) {
-    _mm512_mask_storeu_epi8(at, tables.Written[v] & BytesBelow(trgAt, trgTotal), value);
-  } else if (tables.Written[v] == ~std::uint64_t{0}) {
-    _mm512_storeu_si512(at, value);
-  } else {
-    _mm512_storeu_si512(at, _mm512_mask_blend_epi8(tables.Written[v], _mm512_loadu_si512(at), value));
-  }
-}
-
-template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2, int S2,
-          int TA, int SA, EPass Pass>
-NU_ISA_AVX512_VBMI __attribute__((noinline)) void MovePermuteAvx512(std::size_t count, T* trg, T const* src,
-                                                                    T fill) noexcept {
-  using Move = TPermuteMove<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>;
-  __m512i fillVector;
-  if constexpr (sizeof(T) == 1) fillVector = _mm512_set1_epi8(static_cast<char>(fill));
-  if constexpr (sizeof(T) == 2) fillVector = _mm512_set1_epi16(static_cast<short>(fill));
-  if constexpr (sizeof(T) == 4) fillVector = _mm512_set1_epi32(static_cast<int>(fill));
-  if constexpr (sizeof(T) == 8) fillVector = _mm512_set1_epi64(static_cast<long long>(fill));
-  auto const* srcBytes = reinterpret_cast<char const*>(src);
-  auto* trgBytes = reinterpret_cast<char*>(trg);
-  std::size_t const srcTotal = count * Move::SrcPixel;
-  std::size_t const trgTotal = count * Move::TrgPixel;
-  std::size_t group = 0;
-  for (; (group + 1) * Move::Pixels <= count && group * Move::Pixels * Move::SrcPixel + Move::WindowEnd <= srcTotal;
-       ++group)
-    for (std::size_t v = 0; v < Move::Vectors; ++v)
-      MovePermuteVector<Move, false, T>(group, v, trgBytes, srcBytes, trgTotal, srcTotal, fillVector);
-  for (; group * Move::Pixels < count; ++group)
-    for (std::size_t v = 0; v < Move::Vectors; ++v)
-      MovePermuteVector<Move, true, T>(group, v, trgBytes, srcBytes, trgTotal, srcTotal, fillVector);
-}
-
-#define NU_MOVE_ELEMENTS_ISA_(ISA, ATTR)                                                              \
-  template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, \
-            int T2, int S2, int TA, int SA, EPass Pass>                                               \
-  ATTR NU_NOCLONE void MoveElements##ISA(std::size_t count, T* __restrict trg,                        \
-                                         T const* __restrict src, T fill) noexcept {                  \
-    MoveElementsBody<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);      \
-  }
-NU_MOVE_ELEMENTS_ISA_(Avx2, NU_ISA_AVX2)
-NU_MOVE_ELEMENTS_ISA_(Baseline, NU_ISA_BASELINE)
-template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2, int S2,
-          int TA, int SA, EPass Pass>
-NU_ISA_AVX512 NU_NOCLONE void MoveElementsAvx512(std::size_t count, T* __restrict trg, T const* __restrict src,
-                                                 T fill) noexcept {
-  if constexpr (TPermuteMove<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>::Applies) {
-    if (__builtin_cpu_supports("avx512vbmi"))  // the permute function is built with VBMI
-      return MovePermuteAvx512<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-    // AVX-512 without VBMI: the AVX2 loop, rather than a third compiled copy of it.
-    return MoveElementsAvx2<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-  } else {
-    MoveElementsBody<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-  }
-}
-#undef NU_MOVE_ELEMENTS_ISA_
-
-template <EIsa Isa, class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1,
-          int T2, int S2, int TA, int SA, EPass Pass>
-inline void MoveElements(std::size_t count, T* trg, T const* src, T fill) noexcept {
-  if constexpr (Isa == EIsa::Avx512)
-    MoveElementsAvx512<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-  else if constexpr (Isa == EIsa::Avx2)
-    MoveElementsAvx2<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-  else
-    MoveElementsBaseline<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-}
-
-template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2,
-          int S2, int TA, int SA, EPass Pass>
-NU_NOCLONE void MoveElementsHere(std::size_t count, T* trg, T const* src, T fill) noexcept {
-  switch (CurrentIsa()) {
-    case EIsa::Avx512: return MoveElementsAvx512<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-    case EIsa::Avx2: return MoveElementsAvx2<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-    case EIsa::Baseline: return MoveElementsBaseline<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-  }
-}
-
-// The kernels of one instruction set, or of the CPU's, as policies of the fused path.
-template <EIsa Isa, class TE, class SE>
-struct TValuesOn {
-  static void Run(std::size_t n, TE* trg, SE const* src) noexcept { ConvertValues<Isa, TE, SE>(n, trg, src); }
+// The shape of a pair of TPixel types. Unused indices are normalised to 0 / -1 so that pairs
+// with the same moves (Lum <- Bayer2 and Lum <- Lum, Bayer3 <- RGB and Lum <- RGB) name the
+// same shape and share their kernels.
+template <class TTrg, class TSrc>
+struct TShapeSelect {
+  static constexpr bool ThreeColours = TTrg::ColourCount == 3;
+  static constexpr int TrgAlpha = TTrg::AlphaCount != 0 ? TTrg::AlphaIndex : -1;
+  static constexpr int SrcAlpha = (TrgAlpha >= 0 && TSrc::AlphaCount != 0) ? TSrc::AlphaIndex : -1;
+  using Type = TShape<TTrg::ElementCount, TSrc::ElementCount, TTrg::ColourCount, TTrg::RedIndex, TSrc::RedIndex,
+                      ThreeColours ? TTrg::GreenIndex : 0, ThreeColours ? TSrc::GreenIndex : 0,
+                      ThreeColours ? TTrg::BlueIndex : 0, ThreeColours ? TSrc::BlueIndex : 0, TrgAlpha, SrcAlpha>;
 };
+template <class TTrg, class TSrc>
+using TShapeOf = typename TShapeSelect<TTrg, TSrc>::Type;
+
+// The moves of one shape and pass on elements of one type (bits), for runs that do not overlap.
+// Defined in NuImageConvertMovesImpl.h and emitted once by the generated move units, so that
+// the 80 loop units do not compile them.
+template <class T, class Shape, EPass Pass>
+struct TMoves {
+  NU_NOCLONE static void Baseline(std::size_t count, T* __restrict trg, T const* __restrict src, T fill) noexcept;
+  NU_ISA_AVX2 NU_NOCLONE static void Avx2(std::size_t count, T* __restrict trg, T const* __restrict src,
+                                          T fill) noexcept;
+  NU_ISA_AVX512 NU_NOCLONE static void Avx512(std::size_t count, T* __restrict trg, T const* __restrict src,
+                                              T fill) noexcept;
+  // The instruction set of this CPU, chosen at each call.
+  NU_NOCLONE static void Here(std::size_t count, T* trg, T const* src, T fill) noexcept;
+};
+
+// ---- the fused path of separate runs, the same for every pair ------------------------------
+// Pixels per step through the L1 buffer.
+inline constexpr std::size_t Block = 256;
+// Measured here: from this target size on, stores that bypass the caches win.
+inline constexpr std::size_t StreamBytes = std::size_t{16} << 20;
+// Pixels per buffer on the streaming path: whole 64-byte lines of any pixel size.
+inline constexpr std::size_t StreamBlock = 512;
+inline constexpr std::size_t MaxPixelBytes = 4 * sizeof(double);
+
+// What the fused path of one pair needs: its block producer (pixels first .. first + count - 1
+// of the run into `to`, in the target layout), the LumA rule's alpha pass (or null), the
+// target pixel size and whether the instruction set streams (AVX-512).
+struct SApart {
+  void (*Produce)(std::size_t first, std::size_t count, void* to, void const* src) noexcept;
+  void (*AlphaPass)(std::size_t count, void* trg, void const* src) noexcept;
+  std::size_t TrgPixelBytes;
+  bool Streams;
+};
+
+// Runs that do not overlap, of at least one pixel (NuImageConvertApart.cpp). One function for
+// every pair: only the producers are compiled per pair.
+void ConvertApart(std::size_t count, void* trg, void const* src, SApart const& apart) noexcept;
+
+// The kernels of the CPU's instruction set, chosen at each call, as policies of the fused path
+// (the tests pass those of each instruction set in turn).
 template <class TE, class SE>
 struct TValuesHere {
   static void Run(std::size_t n, TE* trg, SE const* src) noexcept { ConvertValuesHere<TE, SE>(n, trg, src); }
 };
-template <EIsa Isa>
-struct TMovesOn {
-  static bool Streams() noexcept { return Isa == EIsa::Avx512; }
-  template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2,
-            int S2, int TA, int SA, EPass Pass>
-  static void Run(std::size_t count, T* trg, T const* src, T fill) noexcept {
-    MoveElements<Isa, T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
-  }
-};
 struct TMovesHere {
   static bool Streams() noexcept { return CurrentIsa() == EIsa::Avx512; }
-  template <class T, unsigned int TN, unsigned int SN, unsigned int C, int T0, int S0, int T1, int S1, int T2,
-            int S2, int TA, int SA, EPass Pass>
+  template <class T, class Shape, EPass Pass>
   static void Run(std::size_t count, T* trg, T const* src, T fill) noexcept {
-    MoveElementsHere<T, TN, SN, C, T0, S0, T1, S1, T2, S2, TA, SA, Pass>(count, trg, src, fill);
+    TMoves<T, Shape, Pass>::Here(count, trg, src, fill);
   }
 };
 
-// A copy to a 64-byte aligned target whose whole lines go out with stores that bypass the
-// caches (narrower ones measured slower than plain stores). No masked store: on this CPU one
-// between the streaming stores costs more than the streaming saves. The caller fences once
-// after its last copy.
-NU_ISA_AVX512 NU_NOCLONE inline void StreamCopyAvx512(void* trg, void const* src, std::size_t bytes) noexcept {
-  auto* t = static_cast<char*>(trg);
-  auto const* s = static_cast<char const*>(src);
-  std::size_t i = 0;
-  for (; i + 64 <= bytes; i += 64) _mm512_stream_si512(reinterpret_cast<__m512i*>(t + i), _mm512_loadu_si512(s + i));
-  std::memcpy(t + i, s + i, bytes - i);
-}
-
 // ---- the layout kernel ----------------------------------------------------------------------
-// One loop shape for every pair, templated on the element types and the index map only, so
-// that pairs with the same code (Lum <- Bayer2 and Lum <- Lum, Bayer3 <- RGB and Lum <- RGB)
-// share one kernel and the 6,400 exported leaves stay thin.
-//   TrgStride, SrcStride: elements per pixel. Colours: 1 or 3 target colours.
-//   (T0, S0), (T1, S1), (T2, S2): target element <- source element, written in this order
-//   (red, green, blue). TrgAlpha: target alpha element or -1. SrcAlpha: source alpha or -1.
-//   AlphaShift: the LumA-target rule for different data types, see below.
-template <class TE, class SE, unsigned int TrgStride, unsigned int SrcStride, unsigned int Colours,
-          int T0, int S0, int T1, int S1, int T2, int S2, int TrgAlpha, int SrcAlpha, bool AlphaShift>
+// One loop shape for every pair, templated on the element types and the shape only, so that
+// pairs with the same code share one kernel and the 6,400 exported leaves stay thin.
+// AlphaShift: the LumA-target rule for different data types, see below.
+template <class TE, class SE, class Shape, bool AlphaShift>
 struct TConvertRun {
+  static constexpr unsigned int TrgStride = Shape::TrgStride, SrcStride = Shape::SrcStride;
+  static constexpr unsigned int Colours = Shape::Colours;
+  static constexpr int T0 = Shape::T0, S0 = Shape::S0, T1 = Shape::T1, S1 = Shape::S1, T2 = Shape::T2, S2 = Shape::S2;
+  static constexpr int TrgAlpha = Shape::TrgAlpha, SrcAlpha = Shape::SrcAlpha;
+
   // Plain forward loops element by element, for runs that overlap (a conversion in place):
   // every read sees the writes before it, in the documented order. The elements are
   // read and written as bytes (memcpy), because the two runs may share memory under two element
@@ -570,17 +383,12 @@ struct TConvertRun {
 
   using Bits = typename TBitsOf<sizeof(TE)>::Type;
   static constexpr bool SameType = std::is_same_v<TE, SE>;
-  // Every target element comes from the source element at the same place.
-  static constexpr bool Identity = !AlphaShift && TrgStride == SrcStride && T0 == S0 &&
-                                   (Colours == 1 || (T1 == S1 && T2 == S2)) && (TrgAlpha < 0 || TrgAlpha == SrcAlpha);
+  static constexpr bool Identity = !AlphaShift && Shape::Identity;
   // A target with fewer elements than the source and nothing to fill: the layout moves go
   // first, on the source's elements, so that only the elements kept are converted.
   static constexpr bool MovesFirst = !AlphaShift && SrcStride > TrgStride && !(TrgAlpha >= 0 && SrcAlpha < 0);
-  static constexpr std::size_t Block = 256;  // pixels per step through the L1 buffer
   static constexpr std::size_t SmallRun = 16;
-  // Measured here: from this target size on, stores that bypass the caches win.
-  static constexpr std::size_t StreamBytes = std::size_t{16} << 20;
-  static constexpr std::size_t StreamBlock = 512;  // pixels per buffer on the streaming path
+  static_assert(TrgStride * sizeof(TE) <= MaxPixelBytes);
 
   // Runs that do not overlap: the result is the same as the forward passes (each element is
   // written once from a value that no write changes), so the passes may be fused and the value
@@ -591,22 +399,31 @@ struct TConvertRun {
   // in the library, those that choose the CPU's instruction set at each call.
   // Pixels p .. p + count - 1 into `to`, in the target layout, by the full pass (or the colour
   // pass of the LumA rule, which always takes the values-then-moves road).
-  template <class Values, class Moves, EPass Pass = EPass::Full>
-  __attribute__((noinline)) static void Produce(std::size_t p, std::size_t count, Bits* to, SE const* src, Bits fill) noexcept {
-    auto const* srcBits = reinterpret_cast<Bits const*>(src);
+  static Bits Fill() noexcept {
+    Bits fill;
+    TE const maximum = TDataTraits<TE>::TargetMaximum;
+    std::memcpy(&fill, &maximum, sizeof fill);
+    return fill;
+  }
+  template <class Values, class Moves>
+  static void Produce(std::size_t p, std::size_t count, void* toBytes, void const* srcBytes) noexcept {
+    constexpr EPass Pass = AlphaShift ? EPass::ColourOnly : EPass::Full;
+    auto* to = static_cast<Bits*>(toBytes);
+    auto const* src = static_cast<SE const*>(srcBytes);
+    auto const* srcBits = static_cast<Bits const*>(srcBytes);
+    Bits const fill = Fill();
     if constexpr (Identity) {
       Values::Run(count * TrgStride, reinterpret_cast<TE*>(to), src + p * SrcStride);
     } else if constexpr (SameType) {
-      Moves::template Run<Bits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha, EPass::Full>(
-          count, to, srcBits + p * SrcStride, fill);
+      Moves::template Run<Bits, Shape, EPass::Full>(count, to, srcBits + p * SrcStride, fill);
     } else if constexpr (MovesFirst) {
       using SourceBits = typename TBitsOf<sizeof(SE)>::Type;
       alignas(64) SE tmp[Block * TrgStride];
       for (std::size_t q = 0; q < count; q += Block) {
         std::size_t const n = count - q < Block ? count - q : Block;
-        Moves::template Run<SourceBits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha,
-                            EPass::Full>(n, reinterpret_cast<SourceBits*>(tmp),
-                                         reinterpret_cast<SourceBits const*>(src + (p + q) * SrcStride), SourceBits{});
+        Moves::template Run<SourceBits, Shape, EPass::Full>(
+            n, reinterpret_cast<SourceBits*>(tmp), reinterpret_cast<SourceBits const*>(src + (p + q) * SrcStride),
+            SourceBits{});
         Values::Run(n * TrgStride, reinterpret_cast<TE*>(to + q * TrgStride), tmp);
       }
     } else {
@@ -614,52 +431,33 @@ struct TConvertRun {
       for (std::size_t q = 0; q < count; q += Block) {
         std::size_t const n = count - q < Block ? count - q : Block;
         Values::Run(n * SrcStride, tmp, src + (p + q) * SrcStride);
-        Moves::template Run<Bits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha, Pass>(
-            n, to + q * TrgStride, reinterpret_cast<Bits const*>(tmp), fill);
+        Moves::template Run<Bits, Shape, Pass>(n, to + q * TrgStride, reinterpret_cast<Bits const*>(tmp), fill);
       }
+    }
+  }
+
+  // The LumA-target rule: alphas of pixels count .. 2 * count - 1, see Forward.
+  template <class Values, class Moves>
+  static void AlphaPass(std::size_t count, void* trgBytes, void const* srcBytes) noexcept {
+    auto* trg = static_cast<Bits*>(trgBytes);
+    auto const* src = static_cast<SE const*>(srcBytes);
+    alignas(64) TE tmp[Block * SrcStride];
+    auto const* tmpBits = reinterpret_cast<Bits const*>(tmp);
+    for (std::size_t p = count; p < 2 * count; p += Block) {
+      std::size_t const n = 2 * count - p < Block ? 2 * count - p : Block;
+      if constexpr (SrcAlpha >= 0) Values::Run(n * SrcStride, tmp, src + p * SrcStride);
+      Moves::template Run<Bits, Shape, EPass::AlphaOnly>(n, trg + p * TrgStride, tmpBits, Fill());
     }
   }
 
   template <class Values, class Moves>
   static void Apart(std::size_t count, TE* trg, SE const* src) noexcept {
-    Bits fill;
-    TE const maximum = TDataTraits<TE>::TargetMaximum;
-    std::memcpy(&fill, &maximum, sizeof fill);
-    auto* trgBits = reinterpret_cast<Bits*>(trg);
     if constexpr (Identity && SameType) {
       std::memcpy(trg, src, count * TrgStride * sizeof(TE));
-    } else if constexpr (!AlphaShift) {
-      constexpr std::size_t pixelBytes = TrgStride * sizeof(TE);
-      bool const large = count * pixelBytes >= StreamBytes && Moves::Streams();
-      std::size_t first = 0;  // pixels before the first target line (64: no pixel starts one)
-      auto const offset = static_cast<std::size_t>(reinterpret_cast<std::uintptr_t>(trg) & 63);
-      while (large && first < 64 && (offset + first * pixelBytes) % 64 != 0) ++first;
-      if (large && first < 64) {
-        // A target far larger than the caches: blocks of whole lines go through a buffer and on
-        // to memory with non-temporal stores, which spare the reading of the target's lines.
-        static_assert(StreamBlock * pixelBytes % 64 == 0);
-        Produce<Values, Moves>(0, first, trgBits, src, fill);
-        alignas(64) Bits out[StreamBlock * TrgStride];
-        for (std::size_t p = first; p < count; p += StreamBlock) {
-          std::size_t const n = count - p < StreamBlock ? count - p : StreamBlock;
-          Produce<Values, Moves>(p, n, out, src, fill);
-          StreamCopyAvx512(trgBits + p * TrgStride, out, n * pixelBytes);
-        }
-        _mm_sfence();
-      } else {
-        Produce<Values, Moves>(0, count, trgBits, src, fill);
-      }
     } else {
-      Produce<Values, Moves, EPass::ColourOnly>(0, count, trgBits, src, fill);
-      alignas(64) TE tmp[Block * SrcStride];
-      auto const* tmpBits = reinterpret_cast<Bits const*>(tmp);
-      // The LumA-target rule: alphas of pixels count .. 2 * count - 1, see Forward.
-      for (std::size_t p = count; p < 2 * count; p += Block) {
-        std::size_t const n = 2 * count - p < Block ? 2 * count - p : Block;
-        if constexpr (SrcAlpha >= 0) Values::Run(n * SrcStride, tmp, src + p * SrcStride);
-        Moves::template Run<Bits, TrgStride, SrcStride, Colours, T0, S0, T1, S1, T2, S2, TrgAlpha, SrcAlpha,
-                            EPass::AlphaOnly>(n, trgBits + p * TrgStride, tmpBits, fill);
-      }
+      SApart const apart{&Produce<Values, Moves>, AlphaShift ? &AlphaPass<Values, Moves> : nullptr,
+                         TrgStride * sizeof(TE), Moves::Streams()};
+      ConvertApart(count, trg, src, apart);
     }
   }
 
@@ -680,22 +478,14 @@ struct TConvertRun {
   }
 };
 
-// The kernel of one pair of TPixel types. Unused indices are normalised to 0 / -1 so that
-// identical leaves name the identical kernel.
+// The kernel of one pair of TPixel types.
 template <class TTrg, class TSrc>
 struct TConvertKernel {
   using TE = typename TTrg::Element;
   using SE = typename TSrc::Element;
-  static constexpr bool ThreeColours = TTrg::ColourCount == 3;
-  static constexpr int TrgAlpha = TTrg::AlphaCount != 0 ? TTrg::AlphaIndex : -1;
-  static constexpr int SrcAlpha = (TrgAlpha >= 0 && TSrc::AlphaCount != 0) ? TSrc::AlphaIndex : -1;
   static constexpr bool AlphaShift =
       TTrg::PixelTypeId == EPixelType::LumA && TTrg::DataTypeId != TSrc::DataTypeId;
-  using Run = TConvertRun<TE, SE, TTrg::ElementCount, TSrc::ElementCount, TTrg::ColourCount,
-                          TTrg::RedIndex, TSrc::RedIndex,
-                          ThreeColours ? TTrg::GreenIndex : 0, ThreeColours ? TSrc::GreenIndex : 0,
-                          ThreeColours ? TTrg::BlueIndex : 0, ThreeColours ? TSrc::BlueIndex : 0,
-                          TrgAlpha, SrcAlpha, AlphaShift>;
+  using Run = TConvertRun<TE, SE, TShapeOf<TTrg, TSrc>, AlphaShift>;
 };
 
 // The 80 carried formats in list order; the instantiation unit N fixes target AllFormats[N].
@@ -706,6 +496,36 @@ struct SFormatIds {
 #define NU_CONVERT_FORMAT_IDS_(L, C, A, R, G, B, Al, D, E) {EPixelType::L, EDataType::D},
 inline constexpr SFormatIds AllFormats[] = {NU_ALL_PIXELS(NU_CONVERT_FORMAT_IDS_)};
 #undef NU_CONVERT_FORMAT_IDS_
+
+// The ten layouts in list order, with their channel indices, and those of distinct shape as a
+// target (Bayer targets move as Lum does): the move unit N emits the kernels into the N-th.
+struct SLayout {
+  int Layout;
+  unsigned int Colours, Alphas;
+  int Red, Green, Blue, Alpha;
+};
+#define NU_CONVERT_LAYOUTS_(L, C, A, R, G, B, Al, ...) {EPixelType::L, C, A, R, G, B, Al},
+inline constexpr SLayout AllLayouts[] = {NU_PIXEL_LAYOUTS(NU_CONVERT_LAYOUTS_)};
+#undef NU_CONVERT_LAYOUTS_
+
+struct SDistinctLayouts {
+  int Layout[std::size(AllLayouts)];
+  std::size_t Count;
+};
+constexpr SDistinctLayouts DistinctTargetLayouts() noexcept {
+  SDistinctLayouts distinct{};
+  for (std::size_t i = 0; i < std::size(AllLayouts); ++i) {
+    SLayout const& a = AllLayouts[i];
+    bool seen = false;
+    for (std::size_t j = 0; j < i; ++j) {
+      SLayout const& b = AllLayouts[j];
+      seen = seen || (a.Colours == b.Colours && a.Alphas == b.Alphas && a.Red == b.Red && a.Green == b.Green &&
+                      a.Blue == b.Blue && a.Alpha == b.Alpha);
+    }
+    if (!seen) distinct.Layout[distinct.Count++] = a.Layout;
+  }
+  return distinct;
+}
 
 // The eight data types in list order; the kernel unit N instantiates the value kernels into
 // data type AllDataTypes[N].

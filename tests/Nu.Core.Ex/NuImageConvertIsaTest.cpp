@@ -3,7 +3,7 @@
 // 8/16-bit value and the special/random wider values at many run lengths and unaligned
 // starts, and the fused layout path for every layout shape, with guard bytes around the runs.
 // The library's own path on this CPU is also covered by every other conversion test.
-#include <Nu.Core.Ex/NuImageConvertValuesImpl.h>
+#include <Nu.Core.Ex/NuImageConvertImpl.h>
 
 #include <Reference/ConvertReference.h>
 #include <Support/ConvertSamples.h>
@@ -34,10 +34,37 @@ bool Supported(EIsa isa) {
   return false;
 }
 
+// The instruction set under test. The checks are compiled once and reach that set's kernels
+// (the library's own objects) through these policies, rather than once per set.
+EIsa tested = EIsa::Baseline;
+
+template <class TE, class SE>
+struct TValuesTested {
+  static void Run(std::size_t n, TE* trg, SE const* src) noexcept {
+    switch (tested) {
+      case EIsa::Avx512: return Nu::Detail::ConvertValues<EIsa::Avx512, TE, SE>(n, trg, src);
+      case EIsa::Avx2: return Nu::Detail::ConvertValues<EIsa::Avx2, TE, SE>(n, trg, src);
+      case EIsa::Baseline: return Nu::Detail::ConvertValues<EIsa::Baseline, TE, SE>(n, trg, src);
+    }
+  }
+};
+struct TMovesTested {
+  static bool Streams() noexcept { return tested == EIsa::Avx512; }
+  template <class T, class Shape, Nu::Detail::EPass Pass>
+  static void Run(std::size_t count, T* trg, T const* src, T fill) noexcept {
+    using Moves = Nu::Detail::TMoves<T, Shape, Pass>;
+    switch (tested) {
+      case EIsa::Avx512: return Moves::Avx512(count, trg, src, fill);
+      case EIsa::Avx2: return Moves::Avx2(count, trg, src, fill);
+      case EIsa::Baseline: return Moves::Baseline(count, trg, src, fill);
+    }
+  }
+};
+
 // The run lengths around the vector widths, plus a long run.
 constexpr std::size_t Lengths[] = {0, 1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 129, 1000};
 
-template <EIsa Isa, class TE, class SE>
+template <class TE, class SE>
 void CheckValues(int trgType, int srcType) {
   SCOPED_TRACE(std::string(NuRef::FindDataType(trgType)->Name) + " <- " + NuRef::FindDataType(srcType)->Name);
   NuRef::SDataRow const& src = *NuRef::FindDataType(srcType);
@@ -57,7 +84,7 @@ void CheckValues(int trgType, int srcType) {
     std::vector<unsigned char> source(values.begin() + static_cast<std::ptrdiff_t>(start * sizeof(SE)),
                                       values.begin() + static_cast<std::ptrdiff_t>((start + length) * sizeof(SE)));
     source.insert(source.begin(), sizeof(SE), 0);  // one element ahead: another alignment again
-    Nu::Detail::ConvertValues<Isa, TE, SE>(length, reinterpret_cast<TE*>(out.Run()),
+    TValuesTested<TE, SE>::Run(length, reinterpret_cast<TE*>(out.Run()),
                                            reinterpret_cast<SE const*>(source.data() + sizeof(SE)));
     ASSERT_EQ(out.Bytes, expected.Bytes) << "run of " << length << " from " << start;
   }
@@ -66,19 +93,19 @@ void CheckValues(int trgType, int srcType) {
 // Element type of a data type id, and the 64 pairs.
 template <int D>
 using TElementOf = typename Nu::TPixelOf<EPixelType::Lum, D>::Element;
-template <EIsa Isa, int TD, int... SDs>
+template <int TD, int... SDs>
 void CheckValuesInto(std::integer_sequence<int, SDs...>) {
-  (CheckValues<Isa, TElementOf<TD>, TElementOf<SDs>>(TD, SDs), ...);
+  (CheckValues<TElementOf<TD>, TElementOf<SDs>>(TD, SDs), ...);
 }
-template <EIsa Isa, int... TDs>
+template <int... TDs>
 void CheckAllValues(std::integer_sequence<int, TDs...> all) {
-  (CheckValuesInto<Isa, TDs>(all), ...);
+  (CheckValuesInto<TDs>(all), ...);
 }
 using TAllData = std::integer_sequence<int, EDataType::Byte, EDataType::UByte, EDataType::Short, EDataType::UShort,
                                        EDataType::Int, EDataType::UInt, EDataType::Float, EDataType::Double>;
 
 // The fused path of one pair of formats on this instruction set's kernels.
-template <EIsa Isa, class TTrg, class TSrc>
+template <class TTrg, class TSrc>
 void CheckFused() {
   using Kernel = Nu::Detail::TConvertKernel<TTrg, TSrc>;
   using TE = typename Kernel::TE;
@@ -93,7 +120,7 @@ void CheckFused() {
     NuTest::SGuarded trg(2 * count * sizeof(TTrg), sizeof(TE), 0x5C);
     NuTest::SGuarded expected = trg;
     NuRef::ConvertRun(tp, td, expected.Run(), sp, sd, src.Run(), static_cast<unsigned>(count));
-    Kernel::Run::template Apart<Nu::Detail::TValuesOn<Isa, TE, SE>, Nu::Detail::TMovesOn<Isa>>(
+    Kernel::Run::template Apart<TValuesTested<TE, SE>, TMovesTested>(
         count, reinterpret_cast<TE*>(trg.Run()), reinterpret_cast<SE const*>(src.Run()));
     ASSERT_EQ(trg.Bytes, expected.Bytes) << "count " << count;
   }
@@ -101,12 +128,12 @@ void CheckFused() {
 
 // A target above the streaming size, a part block at the end and a start off the line: on
 // AVX-512 the blocks go out through the buffer with non-temporal stores. Guard bytes around.
-template <EIsa Isa, class TTrg, class TSrc>
+template <class TTrg, class TSrc>
 void CheckStreamed() {
   using Kernel = Nu::Detail::TConvertKernel<TTrg, TSrc>;
   using TE = typename Kernel::TE;
   using SE = typename Kernel::SE;
-  std::size_t const count = Kernel::Run::StreamBytes / sizeof(TTrg) + Kernel::Run::StreamBlock + 7;
+  std::size_t const count = Nu::Detail::StreamBytes / sizeof(TTrg) + Nu::Detail::StreamBlock + 7;
   SCOPED_TRACE(std::string(NuRef::FindLayout(TTrg::PixelTypeId)->Name) + "/" +
                NuRef::FindDataType(TTrg::DataTypeId)->Name + " <- " + NuRef::FindLayout(TSrc::PixelTypeId)->Name +
                "/" + NuRef::FindDataType(TSrc::DataTypeId)->Name);
@@ -119,46 +146,46 @@ void CheckStreamed() {
   std::size_t const start = (64 - reinterpret_cast<std::uintptr_t>(trg.data()) % 64) % 64 + 3 * sizeof(TTrg);
   NuRef::ConvertRun(TTrg::PixelTypeId, TTrg::DataTypeId, expected.data() + start, TSrc::PixelTypeId,
                     TSrc::DataTypeId, src.Run(), static_cast<unsigned>(count));
-  Kernel::Run::template Apart<Nu::Detail::TValuesOn<Isa, TE, SE>, Nu::Detail::TMovesOn<Isa>>(
+  Kernel::Run::template Apart<TValuesTested<TE, SE>, TMovesTested>(
       count, reinterpret_cast<TE*>(trg.data() + start), reinterpret_cast<SE const*>(src.Run()));
   ASSERT_TRUE(trg == expected);
 }
 
-template <EIsa Isa, int TD, int SD, int TP, int... SPs>
+template <int TD, int SD, int TP, int... SPs>
 void CheckFusedInto() {
-  (CheckFused<Isa, Nu::TPixelOf<TP, TD>, Nu::TPixelOf<SPs, SD>>(), ...);
+  (CheckFused<Nu::TPixelOf<TP, TD>, Nu::TPixelOf<SPs, SD>>(), ...);
 }
 // Every layout shape (Bayer shapes are Lum's) for one pair of data types.
-template <EIsa Isa, int TD, int SD>
+template <int TD, int SD>
 void CheckAllShapes() {
   constexpr int RGBA = EPixelType::RGBA, RGB = EPixelType::RGB, BGRA = EPixelType::BGRA, BGR = EPixelType::BGR,
                 Lum = EPixelType::Lum, LumA = EPixelType::LumA;
-  CheckFusedInto<Isa, TD, SD, RGBA, RGBA, RGB, BGRA, BGR, Lum, LumA>();
-  CheckFusedInto<Isa, TD, SD, RGB, RGBA, RGB, BGRA, BGR, Lum, LumA>();
-  CheckFusedInto<Isa, TD, SD, BGRA, RGBA, RGB, BGRA, BGR, Lum, LumA>();
-  CheckFusedInto<Isa, TD, SD, BGR, RGBA, RGB, BGRA, BGR, Lum, LumA>();
-  CheckFusedInto<Isa, TD, SD, Lum, RGBA, RGB, BGRA, BGR, Lum, LumA>();
-  CheckFusedInto<Isa, TD, SD, LumA, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<TD, SD, RGBA, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<TD, SD, RGB, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<TD, SD, BGRA, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<TD, SD, BGR, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<TD, SD, Lum, RGBA, RGB, BGRA, BGR, Lum, LumA>();
+  CheckFusedInto<TD, SD, LumA, RGBA, RGB, BGRA, BGR, Lum, LumA>();
 }
 
-template <EIsa Isa>
-void CheckIsa() {
-  CheckAllValues<Isa>(TAllData{});
+void CheckIsa(EIsa isa) {
+  tested = isa;
+  CheckAllValues(TAllData{});
   // Same type (moves only) for every element size, and conversions through the buffer.
-  CheckAllShapes<Isa, EDataType::UByte, EDataType::UByte>();
-  CheckAllShapes<Isa, EDataType::Short, EDataType::Short>();
-  CheckAllShapes<Isa, EDataType::Float, EDataType::Float>();
-  CheckAllShapes<Isa, EDataType::Double, EDataType::Double>();
-  CheckAllShapes<Isa, EDataType::Float, EDataType::UByte>();
-  CheckAllShapes<Isa, EDataType::UByte, EDataType::Double>();
-  CheckAllShapes<Isa, EDataType::Short, EDataType::UInt>();
+  CheckAllShapes<EDataType::UByte, EDataType::UByte>();
+  CheckAllShapes<EDataType::Short, EDataType::Short>();
+  CheckAllShapes<EDataType::Float, EDataType::Float>();
+  CheckAllShapes<EDataType::Double, EDataType::Double>();
+  CheckAllShapes<EDataType::Float, EDataType::UByte>();
+  CheckAllShapes<EDataType::UByte, EDataType::Double>();
+  CheckAllShapes<EDataType::Short, EDataType::UInt>();
   // One of each road through the buffer: values only, moves only, moves then values, values
   // then moves.
   using Nu::TPixelOf;
-  CheckStreamed<Isa, TPixelOf<EPixelType::Lum, EDataType::UShort>, TPixelOf<EPixelType::Lum, EDataType::UByte>>();
-  CheckStreamed<Isa, TPixelOf<EPixelType::RGBA, EDataType::UByte>, TPixelOf<EPixelType::RGB, EDataType::UByte>>();
-  CheckStreamed<Isa, TPixelOf<EPixelType::BGR, EDataType::Float>, TPixelOf<EPixelType::RGBA, EDataType::Short>>();
-  CheckStreamed<Isa, TPixelOf<EPixelType::RGBA, EDataType::Float>, TPixelOf<EPixelType::LumA, EDataType::Short>>();
+  CheckStreamed<TPixelOf<EPixelType::Lum, EDataType::UShort>, TPixelOf<EPixelType::Lum, EDataType::UByte>>();
+  CheckStreamed<TPixelOf<EPixelType::RGBA, EDataType::UByte>, TPixelOf<EPixelType::RGB, EDataType::UByte>>();
+  CheckStreamed<TPixelOf<EPixelType::BGR, EDataType::Float>, TPixelOf<EPixelType::RGBA, EDataType::Short>>();
+  CheckStreamed<TPixelOf<EPixelType::RGBA, EDataType::Float>, TPixelOf<EPixelType::LumA, EDataType::Short>>();
 }
 
 class InstructionSet : public ::testing::TestWithParam<EIsa> {};
@@ -167,11 +194,7 @@ class InstructionSet : public ::testing::TestWithParam<EIsa> {};
 
 TEST_P(InstructionSet, FastPathsGiveTheReferenceBits) {
   if (!Supported(GetParam())) GTEST_SKIP() << "this CPU lacks the instruction set";
-  switch (GetParam()) {
-    case EIsa::Avx512: CheckIsa<EIsa::Avx512>(); break;
-    case EIsa::Avx2: CheckIsa<EIsa::Avx2>(); break;
-    case EIsa::Baseline: CheckIsa<EIsa::Baseline>(); break;
-  }
+  CheckIsa(GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, InstructionSet, ::testing::Values(EIsa::Baseline, EIsa::Avx2, EIsa::Avx512),

@@ -1,0 +1,49 @@
+// The fused conversion path of separate runs, shared by every pair: only the block producers
+// are compiled per pair. Linked into the library and into the tests of the instruction-set
+// paths with the generated kernel units.
+#include <Nu.Core.Ex/NuImageConvertImpl.h>
+
+#include <cstdint>
+#include <cstring>
+#include <immintrin.h>
+
+namespace Nu::Detail {
+namespace {
+
+// Whole 64-byte lines go out with non-temporal stores (narrower ones measured slower than
+// plain stores here); the tail, under a line, with plain ones. No masked store: on this CPU one
+// between the streaming stores costs more than the streaming saves.
+NU_ISA_AVX512 void StreamCopyAvx512(char* trg, unsigned char const* src, std::size_t bytes) noexcept {
+  std::size_t i = 0;
+  for (; i + 64 <= bytes; i += 64)
+    _mm512_stream_si512(reinterpret_cast<__m512i*>(trg + i), _mm512_loadu_si512(src + i));
+  std::memcpy(trg + i, src + i, bytes - i);
+}
+
+}  // namespace
+
+void ConvertApart(std::size_t count, void* trg, void const* src, SApart const& apart) noexcept {
+  std::size_t const pixelBytes = apart.TrgPixelBytes;
+  bool const large = apart.Streams && apart.AlphaPass == nullptr && count * pixelBytes >= StreamBytes;
+  std::size_t first = 0;  // pixels before the first target line (64: no pixel starts one)
+  auto const offset = static_cast<std::size_t>(reinterpret_cast<std::uintptr_t>(trg) & 63);
+  while (large && first < 64 && (offset + first * pixelBytes) % 64 != 0) ++first;
+  if (large && first < 64) {
+    // A target far larger than the caches: blocks of whole lines go through a buffer and on to
+    // memory with non-temporal stores, which spare the reading of the target's lines.
+    static_assert(StreamBlock % 64 == 0);
+    apart.Produce(0, first, trg, src);
+    alignas(64) unsigned char out[StreamBlock * MaxPixelBytes];
+    for (std::size_t p = first; p < count; p += StreamBlock) {
+      std::size_t const n = count - p < StreamBlock ? count - p : StreamBlock;
+      apart.Produce(p, n, out, src);
+      StreamCopyAvx512(static_cast<char*>(trg) + p * pixelBytes, out, n * pixelBytes);
+    }
+    _mm_sfence();
+  } else {
+    apart.Produce(0, count, trg, src);
+    if (apart.AlphaPass != nullptr) apart.AlphaPass(count, trg, src);
+  }
+}
+
+}  // namespace Nu::Detail
