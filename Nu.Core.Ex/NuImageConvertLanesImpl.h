@@ -11,6 +11,7 @@
 #include <Nu.Core.Ex/NuImageConvertImpl.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <immintrin.h>
 #include <type_traits>
 
@@ -22,9 +23,9 @@
 
 namespace Nu::Detail {
 
-// How the lanes compute a pair; None keeps the plain loop (float targets, equal types, the
-// closed integer forms and the 8/16-bit integer pairs, which vectorise well as they are).
-enum class ELaneForm { None, Rule, Rational };
+// How the lanes compute a pair; None keeps the plain loop (float targets, equal types and the
+// closed integer forms, which vectorise well as they are).
+enum class ELaneForm { None, Rule, Rational, Small };
 
 template <class TE, class SE>
 constexpr ELaneForm LaneFormOf() {
@@ -36,7 +37,7 @@ constexpr ELaneForm LaneFormOf() {
                            std::is_same_v<TE, unsigned int>);
   if constexpr (IsWideNarrowPair<TE, SE>()) return ELaneForm::Rational;
   else if constexpr (!Trg::IsInteger || std::is_same_v<TE, SE> || closed) return ELaneForm::None;
-  else if constexpr (Src::IsInteger && sizeof(SE) <= 2 && sizeof(TE) <= 2) return ELaneForm::None;
+  else if constexpr (Src::IsInteger && sizeof(SE) <= 2 && sizeof(TE) <= 2) return ELaneForm::Small;
   else return ELaneForm::Rule;
 }
 
@@ -134,11 +135,109 @@ NU_LANES_ void ConvertLanes(TE* trg, SE const* src, __mmask8 mask) noexcept {
     StoreLanes<TE, Tail>(trg, RuleLanes<TE, SE>(v), mask);
 }
 
+// ---- the 8- and 16-bit integer pairs: the integer forms of ConvertChannelValue in 16-bit lanes
+
+// The quotient by a constant D of every x in 0 .. Max as a high multiplication, x * M >> (16 + s)
+// with M below 2^16; the pair is found and checked for every x of the domain at compile time.
+struct SDivide16 {
+  std::uint32_t Multiplier;
+  unsigned int Shift;
+};
+template <std::uint32_t D, std::uint32_t Max>
+constexpr SDivide16 Divide16() noexcept {
+  for (unsigned int shift = 0; shift < 16; ++shift) {
+    std::uint64_t const multiplier = ((std::uint64_t{1} << (16 + shift)) + D - 1) / D;
+    if (multiplier > 65535) break;
+    bool exact = true;
+    for (std::uint64_t x = 0; x <= Max && exact; ++x) exact = (x * multiplier >> (16 + shift)) == x / D;
+    if (exact) return {static_cast<std::uint32_t>(multiplier), shift};
+  }
+  return {0, 0};
+}
+
+template <std::uint32_t D, std::uint32_t Max>
+NU_LANES_ __m512i Quotient16(__m512i x) noexcept {
+  constexpr SDivide16 divide = Divide16<D, Max>();
+  static_assert(divide.Multiplier != 0, "no 16-bit high multiplication divides this domain exactly");
+  return _mm512_srli_epi16(_mm512_mulhi_epu16(x, _mm512_set1_epi16(static_cast<short>(divide.Multiplier))),
+                           divide.Shift);
+}
+
+constexpr unsigned int Log2(std::uint32_t power) noexcept { return power > 1 ? 1 + Log2(power / 2) : 0; }
+
+NU_LANES_ __m512i Set16(std::uint32_t k) noexcept { return _mm512_set1_epi16(static_cast<short>(k)); }
+
+// floor(x * Lt / Ls) (ScaleFloor16) on 32 lanes of x in 0 .. Ls, every product within 16 bits:
+// - Lt < Ls: with d = Ls / Lt, c = Ls - Lt * d and x = d * q + r (0 <= r < d),
+//   Lt * x = Ls * q + (Lt * r - c * q), where 0 <= Lt * r < Ls and 0 <= c * q < Ls, so the
+//   floor is q, less one where Lt * r < c * q.
+// - Lt > Ls: a * x + floor(b * x / Ls), as ScaleFloor16.
+template <std::uint32_t Lt, std::uint32_t Ls>
+NU_LANES_ __m512i ScaleFloorLanes(__m512i x) noexcept {
+  if constexpr (Lt < Ls) {
+    constexpr std::uint32_t d = Ls / Lt, c = Ls - Lt * d;
+    static_assert(Lt * (d - 1) < Ls && c * (Ls / d) < Ls);
+    __m512i const q = Quotient16<d, Ls>(x);
+    __m512i const r = _mm512_sub_epi16(x, _mm512_mullo_epi16(q, Set16(d)));
+    __mmask32 const below = _mm512_cmplt_epu16_mask(_mm512_mullo_epi16(r, Set16(Lt)), _mm512_mullo_epi16(q, Set16(c)));
+    return _mm512_mask_sub_epi16(q, below, q, Set16(1));
+  } else {
+    constexpr std::uint32_t a = Lt / Ls, b = Lt % Ls;
+    __m512i const whole = _mm512_mullo_epi16(x, Set16(a));
+    if constexpr (b == 0) return whole;
+    else return _mm512_add_epi16(whole, Quotient16<Ls, b * Ls>(_mm512_mullo_epi16(x, Set16(b))));
+  }
+}
+
+// 32 elements: zero and below as ConvertChannelValue (0 into an unsigned target, otherwise x
+// times the power of two Mt / Ms, truncated toward zero: a shift, with the bias that rounds a
+// negative quotient up).
+template <class TE, class SE, bool Tail>
+NU_LANES_ void ConvertSmallLanes(TE* trg, SE const* src, __mmask32 mask) noexcept {
+  using Trg = TDataTraits<TE>;
+  using Src = TDataTraits<SE>;
+  __m512i x;
+  if constexpr (sizeof(SE) == 1) {
+    __m256i const b = Tail ? _mm256_maskz_loadu_epi8(mask, src) : _mm256_loadu_si256(reinterpret_cast<__m256i const*>(src));
+    x = Src::IsSigned ? _mm512_cvtepi8_epi16(b) : _mm512_cvtepu8_epi16(b);
+  } else {
+    x = Tail ? _mm512_maskz_loadu_epi16(mask, src) : _mm512_loadu_si512(src);
+  }
+  __m512i result =
+      ScaleFloorLanes<static_cast<std::uint32_t>(Trg::Largest), static_cast<std::uint32_t>(Src::Largest)>(x);
+  if constexpr (Src::IsSigned) {
+    __m512i negative = _mm512_setzero_si512();
+    if constexpr (Trg::IsSigned) {
+      constexpr auto trgMagnitude = static_cast<std::uint32_t>(Trg::NegativeMagnitude);
+      constexpr auto srcMagnitude = static_cast<std::uint32_t>(Src::NegativeMagnitude);
+      if constexpr (trgMagnitude >= srcMagnitude) {
+        negative = _mm512_slli_epi16(x, Log2(trgMagnitude / srcMagnitude));
+      } else {
+        constexpr std::uint32_t k = srcMagnitude / trgMagnitude;
+        __m512i const bias = _mm512_and_si512(_mm512_srai_epi16(x, 15), _mm512_set1_epi16(static_cast<short>(k - 1)));
+        negative = _mm512_srai_epi16(_mm512_add_epi16(x, bias), Log2(k));
+      }
+    }
+    result = _mm512_mask_blend_epi16(_mm512_cmpgt_epi16_mask(x, _mm512_setzero_si512()), negative, result);
+  }
+  if constexpr (sizeof(TE) == 1) {
+    __m256i const b = _mm512_cvtepi16_epi8(result);
+    Tail ? _mm256_mask_storeu_epi8(trg, mask, b) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), b);
+  } else {
+    Tail ? _mm512_mask_storeu_epi16(trg, mask, result) : _mm512_storeu_si512(trg, result);
+  }
+}
+
 template <class TE, class SE>
 NU_LANES_ void ConvertValuesLanesAvx512(std::size_t n, TE* trg, SE const* src) noexcept {
   std::size_t i = 0;
-  for (; i + 8 <= n; i += 8) ConvertLanes<TE, SE, false>(trg + i, src + i, 0xFF);
-  if (i < n) ConvertLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask8>((1u << (n - i)) - 1));
+  if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Small) {
+    for (; i + 32 <= n; i += 32) ConvertSmallLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
+    if (i < n) ConvertSmallLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));
+  } else {
+    for (; i + 8 <= n; i += 8) ConvertLanes<TE, SE, false>(trg + i, src + i, 0xFF);
+    if (i < n) ConvertLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask8>((1u << (n - i)) - 1));
+  }
 }
 
 #undef NU_LANES_
