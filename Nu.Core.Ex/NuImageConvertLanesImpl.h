@@ -25,7 +25,7 @@ namespace Nu::Detail {
 
 // How the lanes compute a pair; None keeps the plain loop (float targets, equal types and the
 // closed integer forms, which vectorise well as they are).
-enum class ELaneForm { None, Rule, Rational, Small };
+enum class ELaneForm { None, Rule, Rational, Small, Single };
 
 template <class TE, class SE>
 constexpr ELaneForm LaneFormOf() {
@@ -36,6 +36,7 @@ constexpr ELaneForm LaneFormOf() {
                           (std::is_same_v<TE, unsigned char> || std::is_same_v<TE, unsigned short> ||
                            std::is_same_v<TE, unsigned int>);
   if constexpr (IsWideNarrowPair<TE, SE>()) return ELaneForm::Rational;
+  else if constexpr (std::is_same_v<SE, float> && Trg::IsInteger && sizeof(TE) <= 2) return ELaneForm::Single;
   else if constexpr (!Trg::IsInteger || std::is_same_v<TE, SE> || closed) return ELaneForm::None;
   else if constexpr (Src::IsInteger && sizeof(SE) <= 2 && sizeof(TE) <= 2) return ELaneForm::Small;
   else return ELaneForm::Rule;
@@ -228,10 +229,42 @@ NU_LANES_ void ConvertSmallLanes(TE* trg, SE const* src, __mmask32 mask) noexcep
   }
 }
 
+// ---- Float into the 8- and 16-bit integer types, sixteen lanes of single precision ---------
+// The rule scales the exact double of x by L (or by the power of two Mt below zero): a product
+// of at most 24 + 16 bits, exact in double, then clamps and truncates it. In single precision
+// the product is rounded toward zero instead (the instruction's own rounding mode): that never
+// crosses an integer, since every integer up to 2^24 is a float and the rounding is monotonic,
+// so it truncates to the same integer as the exact product, and it exceeds a bound exactly
+// where the exact product does. The clamps are min/max against the bounds; a NaN passes them,
+// and the conversion to 32 bits gives INT_MIN, whose low bits are the rule's 0.
+template <class TE, bool Tail>
+NU_LANES_ void ConvertSingleLanes(TE* trg, float const* src, __mmask16 mask) noexcept {
+  using Trg = TDataTraits<TE>;
+  __m512 const x = Tail ? _mm512_maskz_loadu_ps(mask, src) : _mm512_loadu_ps(src);
+  __m512 scale = _mm512_set1_ps(static_cast<float>(Trg::Largest));
+  if constexpr (Trg::IsSigned)
+    scale = _mm512_mask_blend_ps(_mm512_cmp_ps_mask(x, _mm512_setzero_ps(), _CMP_GT_OQ),
+                                 _mm512_set1_ps(static_cast<float>(Trg::NegativeMagnitude)), scale);
+  __m512 t = _mm512_mul_round_ps(x, scale, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
+  t = _mm512_max_ps(_mm512_set1_ps(static_cast<float>(Trg::Smallest)),
+                    _mm512_min_ps(_mm512_set1_ps(static_cast<float>(Trg::Largest)), t));
+  __m512i const d = _mm512_cvttps_epi32(t);
+  if constexpr (sizeof(TE) == 1) {
+    __m128i const b = _mm512_cvtepi32_epi8(d);
+    Tail ? _mm_mask_storeu_epi8(trg, mask, b) : _mm_storeu_si128(reinterpret_cast<__m128i*>(trg), b);
+  } else {
+    __m256i const w = _mm512_cvtepi32_epi16(d);
+    Tail ? _mm256_mask_storeu_epi16(trg, mask, w) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), w);
+  }
+}
+
 template <class TE, class SE>
 NU_LANES_ void ConvertValuesLanesAvx512(std::size_t n, TE* trg, SE const* src) noexcept {
   std::size_t i = 0;
-  if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Small) {
+  if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Single) {
+    for (; i + 16 <= n; i += 16) ConvertSingleLanes<TE, false>(trg + i, src + i, 0xFFFF);
+    if (i < n) ConvertSingleLanes<TE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
+  } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Small) {
     for (; i + 32 <= n; i += 32) ConvertSmallLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
     if (i < n) ConvertSmallLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));
   } else {

@@ -121,6 +121,17 @@ inline std::vector<unsigned char> SourceValues(NuRef::SDataRow const& row) {
           }
         }
       }
+      // Where a single-precision product x * L lands on an integer k, the only places where a
+      // rounded product could truncate otherwise than the rule's exact one: the floats nearest
+      // k / L and their neighbours, for every k and every 8/16-bit scale, of both signs.
+      if (single)
+        for (double scale : {127.0, 128.0, 255.0, 32767.0, 32768.0, 65535.0})
+          for (double k = 1.0; k <= scale; k += 1.0)
+            for (float v : {static_cast<float>(k / scale), -static_cast<float>(k / scale)}) {
+              add(v);
+              add(std::nextafter(v, std::numeric_limits<float>::infinity()));
+              add(std::nextafter(v, -std::numeric_limits<float>::infinity()));
+            }
       // NaNs with several payloads and both signs, quiet and signalling.
       for (std::uint64_t payload : {0ull, 1ull, 0x12345ull, 0x3FFFFFull}) {
         for (std::uint64_t sign : {0ull, 1ull}) {
