@@ -158,6 +158,27 @@ constexpr std::uint32_t ScaleFloor16(std::uint32_t x) noexcept {
   }
 }
 
+// The integer forms below zero: 0 into an unsigned target, otherwise x times the power of two
+// Mt / Ms, truncated toward zero; positive is the form's result for x > 0. TInt holds the
+// product (int keeps the 8/16-bit loops in narrow lanes).
+template <class TTrg, class TInt, class TSrc>
+constexpr TTrg WithIntegerNegatives(TSrc x, TTrg positive) noexcept {
+  using Trg = TDataTraits<TTrg>;
+  using Src = TDataTraits<TSrc>;
+  if constexpr (Src::IsSigned && Trg::IsSigned) {
+    constexpr auto trgMagnitude = static_cast<TInt>(Trg::NegativeMagnitude);
+    constexpr auto srcMagnitude = static_cast<TInt>(Src::NegativeMagnitude);
+    TInt negative;
+    if constexpr (trgMagnitude >= srcMagnitude)
+      negative = x * (trgMagnitude / srcMagnitude);
+    else
+      negative = x / (srcMagnitude / trgMagnitude);  // truncates toward zero
+    return x > 0 ? positive : static_cast<TTrg>(negative);
+  } else {
+    return x > 0 ? positive : static_cast<TTrg>(0);
+  }
+}
+
 // One channel value from the source's element type to the target's. Equal types
 // are a bit copy: no clamp, NaN payloads and negative zero kept.
 //
@@ -202,37 +223,13 @@ constexpr TTrg ConvertChannelValue(TSrc x) noexcept {
     constexpr auto trgLargest = static_cast<std::uint32_t>(Trg::Largest);
     constexpr auto srcLargest = static_cast<std::uint32_t>(Src::Largest);
     auto const positive = static_cast<TTrg>(ScaleFloor16<trgLargest, srcLargest>(static_cast<std::uint32_t>(x)));
-    if constexpr (Src::IsSigned && Trg::IsSigned) {
-      constexpr int trgMagnitude = static_cast<int>(Trg::NegativeMagnitude);
-      constexpr int srcMagnitude = static_cast<int>(Src::NegativeMagnitude);
-      int negative;
-      if constexpr (trgMagnitude >= srcMagnitude)
-        negative = x * (trgMagnitude / srcMagnitude);
-      else
-        negative = x / (srcMagnitude / trgMagnitude);  // truncates toward zero
-      return x > 0 ? positive : static_cast<TTrg>(negative);
-    } else {
-      return x > 0 ? positive : static_cast<TTrg>(0);
-    }
+    return WithIntegerNegatives<TTrg, int>(x, positive);
   } else if constexpr (IsWideNarrowPair<TTrg, TSrc>()) {
     // One side 32-bit, the other 8/16-bit (the closed forms aside): one multiplication by
     // RationalScale, see there; zero and below as the integer forms above.
-    using Trg = TDataTraits<TTrg>;
-    using Src = TDataTraits<TSrc>;
     auto const positive = static_cast<TTrg>(static_cast<std::uint32_t>(
         static_cast<std::int64_t>(static_cast<double>(x) * RationalScale<TTrg, TSrc>())));
-    if constexpr (Src::IsSigned && Trg::IsSigned) {
-      constexpr auto trgMagnitude = static_cast<std::int64_t>(Trg::NegativeMagnitude);
-      constexpr auto srcMagnitude = static_cast<std::int64_t>(Src::NegativeMagnitude);
-      std::int64_t negative;
-      if constexpr (trgMagnitude >= srcMagnitude)
-        negative = x * (trgMagnitude / srcMagnitude);
-      else
-        negative = x / (srcMagnitude / trgMagnitude);  // truncates toward zero
-      return x > 0 ? positive : static_cast<TTrg>(negative);
-    } else {
-      return x > 0 ? positive : static_cast<TTrg>(0);
-    }
+    return WithIntegerNegatives<TTrg, std::int64_t>(x, positive);
   } else if constexpr (std::is_same_v<TTrg, float> && (std::is_same_v<TSrc, U8> || std::is_same_v<TSrc, U16>)) {
     return static_cast<float>(x) / static_cast<float>(TDataTraits<TSrc>::Largest);
   } else if constexpr (std::is_same_v<TTrg, float> && (std::is_same_v<TSrc, char> || std::is_same_v<TSrc, short>)) {
