@@ -308,8 +308,17 @@ struct TMoves {
 };
 
 // ---- the fused path of separate runs, the same for every pair ------------------------------
-// Pixels per step through the L1 buffer.
-inline constexpr std::size_t Block = 256;
+// Pixels per step through the L1 buffer when the values go first, for pixels of the given size
+// in the buffer. A multiple of 64 pixels, so that every step meets the target at the same
+// offset in its lines. The moves then read the buffer through windows across the stores just
+// made, which wait for those stores to retire: measured here, small pixels want a long step,
+// 8 KiB of buffer, wide pixels a shorter one, 4 KiB. When the moves go first, the values read
+// the buffer as it was written and a short step of 256 pixels measured best.
+inline constexpr std::size_t MovesFirstBlock = 256;
+constexpr std::size_t BlockPixels(std::size_t pixelBytes) noexcept {
+  std::size_t const pixels = (pixelBytes <= 4 ? 8192 : 4096) / pixelBytes / 64 * 64;
+  return pixels < 64 ? 64 : pixels;
+}
 // Measured here: from this target size on, stores that bypass the caches win.
 inline constexpr std::size_t StreamBytes = std::size_t{16} << 20;
 // Pixels per buffer on the streaming path: whole 64-byte lines of any pixel size.
@@ -402,6 +411,7 @@ struct TConvertRun {
   // first, on the source's elements, so that only the elements kept are converted.
   static constexpr bool MovesFirst = !AlphaShift && SrcStride > TrgStride && !(TrgAlpha >= 0 && SrcAlpha < 0);
   static constexpr std::size_t SmallRun = 16;
+  static constexpr std::size_t ValuesFirstBlock = BlockPixels(SrcStride * sizeof(TE));
   static_assert(TrgStride * sizeof(TE) <= MaxPixelBytes);
 
   // Runs that do not overlap: the result is the same as the forward passes (each element is
@@ -432,6 +442,7 @@ struct TConvertRun {
       Moves::template Run<Bits, Shape, EPass::Full>(count, to, srcBits + p * SrcStride, fill);
     } else if constexpr (MovesFirst) {
       using SourceBits = typename TBitsOf<sizeof(SE)>::Type;
+      constexpr std::size_t Block = MovesFirstBlock;
       alignas(64) SE tmp[Block * TrgStride];
       for (std::size_t q = 0; q < count; q += Block) {
         std::size_t const n = count - q < Block ? count - q : Block;
@@ -441,6 +452,7 @@ struct TConvertRun {
         Values::Run(n * TrgStride, reinterpret_cast<TE*>(to + q * TrgStride), tmp);
       }
     } else {
+      constexpr std::size_t Block = ValuesFirstBlock;
       alignas(64) TE tmp[Block * SrcStride];
       for (std::size_t q = 0; q < count; q += Block) {
         std::size_t const n = count - q < Block ? count - q : Block;
@@ -455,6 +467,7 @@ struct TConvertRun {
   static void AlphaPass(std::size_t count, void* trgBytes, void const* srcBytes) noexcept {
     auto* trg = static_cast<Bits*>(trgBytes);
     auto const* src = static_cast<SE const*>(srcBytes);
+    constexpr std::size_t Block = ValuesFirstBlock;
     alignas(64) TE tmp[Block * SrcStride];
     auto const* tmpBits = reinterpret_cast<Bits const*>(tmp);
     for (std::size_t p = count; p < 2 * count; p += Block) {

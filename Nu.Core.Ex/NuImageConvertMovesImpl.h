@@ -163,7 +163,9 @@ NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void MovePermuteVector(
     value = _mm512_mask_blend_epi8(tables.Upper[v], value, Permute2<T>(r[2], _mm512_load_si512(&tables.Index[v][1]), r[3]));
   value = _mm512_mask_blend_epi8(tables.Filled[v], value, fill);
   char* const at = trg + trgAt;
-  if constexpr (Tail) {
+  // Near the source's end a vector may still lie wholly inside the target (a window reads
+  // further than the pixels it fills): only the run's last, partial vector needs the mask.
+  if (Tail && trgAt + 64 > trgTotal) {
     _mm512_mask_storeu_epi8(at, tables.Written[v] & BytesBelow(trgAt, trgTotal), value);
   } else if (tables.Written[v] == ~std::uint64_t{0}) {
     _mm512_storeu_si512(at, value);

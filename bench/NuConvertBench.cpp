@@ -4,10 +4,12 @@
 // time of a memcpy of (source bytes + target bytes) / 2.
 //
 //   NuConvertBench [benchmark options]       the representative pairs (Google Benchmark)
-//   NuConvertBench --all-pairs [--quick] [--list]
+//   NuConvertBench --all-pairs [--quick] [--list] [--match TEXT]
 //                                            every carried pair at both sizes: distribution of
 //                                            the ratio to memcpy (min, median, max, ten worst);
-//                                            --list prints every pair's ratio too
+//                                            --list prints every pair's ratio too, --match keeps
+//                                            the pairs whose name ("LumA/UByte <- Lum/Byte")
+//                                            contains TEXT
 #include <Nu.Core.Ex/NuCoreEx.h>
 
 #include <benchmark/benchmark.h>
@@ -19,6 +21,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 using Nu::CNuImage;
@@ -161,7 +164,7 @@ struct SResult {
   std::string Pair;
 };
 
-int AllPairs(bool quick, bool list) {
+int AllPairs(bool quick, bool list, std::string const& match) {
   for (auto [width, height] : {std::pair{640, 480}, std::pair{3840, 2160}}) {
     std::size_t const pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     // Room for the largest format (RGBA of Double) and for the LumA rule's second run.
@@ -180,6 +183,8 @@ int AllPairs(bool quick, bool list) {
         if (quick && (t.Pixel != EPixelType::RGB && t.Pixel != EPixelType::LumA && t.Pixel != EPixelType::BGRA &&
                       t.Pixel != EPixelType::Lum))
           continue;
+        std::string name = std::string(t.Name) + " <- " + s.Name;
+        if (name.find(match) == std::string::npos) continue;
         CNuImageFormat const trgFormat(width, height, t.Pixel, t.Data);
         std::size_t const traffic = (static_cast<std::size_t>(srcFormat.GetByteCount()) + trgFormat.GetByteCount()) / 2;
         CNuImage::ConvertMemory(trg.data(), src.data(), trgFormat, srcFormat);  // warm
@@ -191,11 +196,12 @@ int AllPairs(bool quick, bool list) {
           std::memcpy(copyTrg.data(), copySrc.data(), traffic);
           benchmark::ClobberMemory();
         });
-        results.push_back({convert / copy, std::string(t.Name) + " <- " + s.Name});
+        results.push_back({convert / copy, std::move(name)});
       }
     }
     std::sort(results.begin(), results.end(), [](SResult const& a, SResult const& b) { return a.Ratio < b.Ratio; });
     std::size_t const n = results.size();
+    if (n == 0) continue;
     std::printf("%dx%d: %zu carried pairs, conversion time / memcpy time of (src + trg) / 2 bytes\n", width, height, n);
     std::printf("  min %.2f  median %.2f  90%% %.2f  max %.2f\n", results.front().Ratio, results[n / 2].Ratio,
                 results[n * 9 / 10].Ratio, results.back().Ratio);
@@ -216,11 +222,13 @@ int main(int argc, char** argv) {
     if (std::string(argv[i]) == "--all-pairs") {
       bool quick = false;
       bool list = false;
+      std::string match;
       for (int j = 1; j < argc; ++j) {
         quick = quick || std::string(argv[j]) == "--quick";
         list = list || std::string(argv[j]) == "--list";
+        if (std::string(argv[j]) == "--match" && j + 1 < argc) match = argv[++j];
       }
-      return AllPairs(quick, list);
+      return AllPairs(quick, list, match);
     }
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;

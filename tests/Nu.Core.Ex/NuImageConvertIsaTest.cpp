@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <initializer_list>
 #include <random>
 #include <string>
 #include <utility>
@@ -106,14 +107,14 @@ using TAllData = std::integer_sequence<int, EDataType::Byte, EDataType::UByte, E
 
 // The fused path of one pair of formats on this instruction set's kernels.
 template <class TTrg, class TSrc>
-void CheckFused() {
+void CheckFused(std::initializer_list<std::size_t> counts = {0, 1, 2, 3, 15, 16, 17, 33, 255, 256, 257, 600}) {
   using Kernel = Nu::Detail::TConvertKernel<TTrg, TSrc>;
   using TE = typename Kernel::TE;
   using SE = typename Kernel::SE;
   int const tp = TTrg::PixelTypeId, td = TTrg::DataTypeId, sp = TSrc::PixelTypeId, sd = TSrc::DataTypeId;
   SCOPED_TRACE(std::string(NuRef::FindLayout(tp)->Name) + "/" + NuRef::FindDataType(td)->Name + " <- " +
                NuRef::FindLayout(sp)->Name + "/" + NuRef::FindDataType(sd)->Name);
-  for (std::size_t count : {0, 1, 2, 3, 15, 16, 17, 33, 255, 256, 257, 600}) {
+  for (std::size_t count : counts) {
     std::mt19937 random(static_cast<std::uint32_t>(count * 7919 + tp + 3 * td + 5 * sp + 7 * sd));
     NuTest::SGuarded src(2 * count * sizeof(TSrc), sizeof(SE), 0xA5);
     NuTest::FillRandom(src.Run(), 2 * count * TSrc::ElementCount, sd, random);
@@ -124,6 +125,12 @@ void CheckFused() {
         count, reinterpret_cast<TE*>(trg.Run()), reinterpret_cast<SE const*>(src.Run()));
     ASSERT_EQ(trg.Bytes, expected.Bytes) << "count " << count;
   }
+}
+
+template <class TTrg, class TSrc>
+void CheckAcrossBlocks() {
+  std::size_t const block = Nu::Detail::TConvertKernel<TTrg, TSrc>::Run::ValuesFirstBlock;
+  CheckFused<TTrg, TSrc>({block - 1, block + 1, 2 * block + 3});
 }
 
 // A target above the streaming size, a part block at the end and a start off the line: on
@@ -179,9 +186,14 @@ void CheckIsa(EIsa isa) {
   CheckAllShapes<EDataType::Float, EDataType::UByte>();
   CheckAllShapes<EDataType::UByte, EDataType::Double>();
   CheckAllShapes<EDataType::Short, EDataType::UInt>();
+  // Runs across the steps of the values-first road (the moves-first one steps every 256
+  // pixels): narrow pixels, the LumA rule's two passes and wide pixels.
+  using Nu::TPixelOf;
+  CheckAcrossBlocks<TPixelOf<EPixelType::RGB, EDataType::Byte>, TPixelOf<EPixelType::Lum, EDataType::UByte>>();
+  CheckAcrossBlocks<TPixelOf<EPixelType::LumA, EDataType::Short>, TPixelOf<EPixelType::RGBA, EDataType::UByte>>();
+  CheckAcrossBlocks<TPixelOf<EPixelType::RGBA, EDataType::Double>, TPixelOf<EPixelType::RGB, EDataType::UByte>>();
   // One of each road through the buffer: values only, moves only, moves then values, values
   // then moves.
-  using Nu::TPixelOf;
   CheckStreamed<TPixelOf<EPixelType::Lum, EDataType::UShort>, TPixelOf<EPixelType::Lum, EDataType::UByte>>();
   CheckStreamed<TPixelOf<EPixelType::RGBA, EDataType::UByte>, TPixelOf<EPixelType::RGB, EDataType::UByte>>();
   CheckStreamed<TPixelOf<EPixelType::BGR, EDataType::Float>, TPixelOf<EPixelType::RGBA, EDataType::Short>>();
