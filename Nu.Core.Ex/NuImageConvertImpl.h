@@ -191,6 +191,10 @@ constexpr TTrg WithIntegerNegatives(TSrc x, TTrg positive) noexcept {
 // - Float from an 8- or 16-bit source: x is exact in single and double has more than twice
 //   single's precision, so single(x / 255.0) is the correctly rounded x / 255, which is what
 //   x / 255.0f gives (innocuous double rounding). The negative scale is exact either way.
+// - Between Int and UInt: the exact quotients lie within 2^-32 of an integer, closer than the
+//   rule's two roundings reach, so the rule's results were taken from a run over every source
+//   value (found once, outside the build) and written as integer arithmetic; the tests check
+//   the ends, the ranges where the form changes and a sweep across the rest.
 template <class TTrg, class TSrc>
 constexpr TTrg ConvertChannelValue(TSrc x) noexcept {
   using U8 = unsigned char;
@@ -210,6 +214,17 @@ constexpr TTrg ConvertChannelValue(TSrc x) noexcept {
     return static_cast<U8>(x / 16843009u);
   } else if constexpr (std::is_same_v<TSrc, U32> && std::is_same_v<TTrg, U16>) {
     return static_cast<U16>(x / 65537u);
+  } else if constexpr (std::is_same_v<TSrc, U32> && std::is_same_v<TTrg, int>) {
+    // x * (2^31 - 1) / (2^32 - 1) is x / 2 less a fraction below 1 / 2; the rule truncates even
+    // x > 0 to x / 2 - 1 and odd x to (x - 1) / 2.
+    return static_cast<int>((x - (x != 0 ? 1u : 0u)) >> 1);
+  } else if constexpr (std::is_same_v<TSrc, int> && std::is_same_v<TTrg, U32>) {
+    // Zero and below give 0. x * (2^32 - 1) / (2^31 - 1) is 2x plus x / (2^31 - 1); the rule
+    // gives 2x, except 2x + 1 from 0x7FFFFD00 to 0x7FFFFDFF and from 0x7FFFFF00 on, where its
+    // roundings carry past the next integer.
+    auto const u = static_cast<U32>(x);
+    U32 const carry = (x >= 0x7FFFFD00 && (u & 0x100u) != 0) ? 1u : 0u;
+    return x > 0 ? 2u * u + carry : 0u;
   } else if constexpr (TDataTraits<TSrc>::IsInteger && TDataTraits<TTrg>::IsInteger && sizeof(TSrc) <= 2 &&
                        sizeof(TTrg) <= 2) {
     // Between the 8- and 16-bit integer types the two steps equal exact integer arithmetic for

@@ -31,10 +31,12 @@ template <class TE, class SE>
 constexpr ELaneForm LaneFormOf() {
   using Trg = TDataTraits<TE>;
   using Src = TDataTraits<SE>;
-  constexpr bool closed = (std::is_same_v<SE, unsigned char> || std::is_same_v<SE, unsigned short> ||
-                           std::is_same_v<SE, unsigned int>) &&
-                          (std::is_same_v<TE, unsigned char> || std::is_same_v<TE, unsigned short> ||
-                           std::is_same_v<TE, unsigned int>);
+  constexpr bool closed = ((std::is_same_v<SE, unsigned char> || std::is_same_v<SE, unsigned short> ||
+                            std::is_same_v<SE, unsigned int>) &&
+                           (std::is_same_v<TE, unsigned char> || std::is_same_v<TE, unsigned short> ||
+                            std::is_same_v<TE, unsigned int>)) ||
+                          (std::is_same_v<SE, int> && std::is_same_v<TE, unsigned int>) ||
+                          (std::is_same_v<SE, unsigned int> && std::is_same_v<TE, int>);
   if constexpr (IsWideNarrowPair<TE, SE>()) return ELaneForm::Rational;
   else if constexpr (std::is_same_v<SE, float> && Trg::IsInteger && sizeof(TE) <= 2) return ELaneForm::Single;
   else if constexpr (!Trg::IsInteger || std::is_same_v<TE, SE> || closed) return ELaneForm::None;

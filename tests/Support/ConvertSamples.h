@@ -90,6 +90,11 @@ inline std::vector<unsigned char> SourceValues(NuRef::SDataRow const& row) {
         for (int shift : {16, 24})
           for (std::int64_t k = 0; k <= (std::int64_t{1} << (31 - shift)); ++k)
             for (std::int64_t d : {-1, 0, 1}) add(static_cast<std::uint32_t>(-(k << shift) + d));
+      // The Int <-> UInt closed forms: both ends of both ranges, where their carries lie, whole,
+      // and a sweep across the rest of the 32-bit values.
+      for (std::uint32_t k = 0; k < 4096; ++k)
+        for (std::uint32_t base : {0u, 0x7FFFF000u, 0xFFFFF000u}) add(base + k);
+      for (std::uint64_t x = 0; x < (std::uint64_t{1} << 32); x += 65521) add(static_cast<std::uint32_t>(x));
       for (int i = 0; i < 200000; ++i) add(static_cast<std::uint32_t>(random()));
       break;
     }
