@@ -34,8 +34,9 @@ void ConvertApart(std::size_t count, void* trg, void const* src, SApart const& a
     static_assert(StreamBlock % 64 == 0);
     apart.Produce(0, first, trg, src);
     alignas(64) unsigned char out[StreamBlock * MaxPixelBytes];
-    for (std::size_t p = first; p < count; p += StreamBlock) {
-      std::size_t const n = count - p < StreamBlock ? count - p : StreamBlock;
+    std::size_t const block = apart.StreamPixels;
+    for (std::size_t p = first; p < count; p += block) {
+      std::size_t const n = count - p < block ? count - p : block;
       apart.Produce(p, n, out, src);
       StreamCopyAvx512(static_cast<char*>(trg) + p * pixelBytes, out, n * pixelBytes);
     }

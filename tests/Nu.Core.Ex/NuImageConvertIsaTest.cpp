@@ -196,6 +196,7 @@ void CheckIsa(EIsa isa) {
   // then moves.
   CheckStreamed<TPixelOf<EPixelType::Lum, EDataType::UShort>, TPixelOf<EPixelType::Lum, EDataType::UByte>>();
   CheckStreamed<TPixelOf<EPixelType::RGBA, EDataType::UByte>, TPixelOf<EPixelType::RGB, EDataType::UByte>>();
+  CheckStreamed<TPixelOf<EPixelType::BGR, EDataType::Float>, TPixelOf<EPixelType::RGBA, EDataType::Float>>();
   CheckStreamed<TPixelOf<EPixelType::BGR, EDataType::Float>, TPixelOf<EPixelType::RGBA, EDataType::Short>>();
   CheckStreamed<TPixelOf<EPixelType::RGBA, EDataType::Float>, TPixelOf<EPixelType::LumA, EDataType::Short>>();
 }
