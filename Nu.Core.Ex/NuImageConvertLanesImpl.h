@@ -1,6 +1,6 @@
 #pragma once
 // Private to the library: the AVX-512 value kernels of the pairs whose target is an integer
-// type, written with intrinsics because the compiler's own vectorisation of the value rule's
+// type, and of Double from the byte types, written with intrinsics because the compiler's own vectorisation of the value rule's
 // selects and NaN test is several times slower than memory there. Included by
 // NuImageConvertValuesImpl.h only.
 //
@@ -25,7 +25,28 @@ namespace Nu::Detail {
 
 // How the lanes compute a pair; None keeps the plain loop (float targets, equal types and the
 // closed integer forms, which vectorise well as they are).
-enum class ELaneForm { None, Rule, Rational, Small, Single };
+enum class ELaneForm { None, Rule, Rational, Small, Single, Repeat };
+
+// Double from the byte types, by the repeated bits: x / (2^k - 1) is x 2^-k (1 + 2^-k + 2^-2k
+// + ...), x's bits repeated every k places, so x times the repeated ones (x * 0x0101010101010101
+// over 255) holds the quotient's leading 57 bits or more exactly, and what it drops lies below
+// its last bit. Converting that integer rounds as the division does unless it sits on a tie, and
+// no source value does: the tests compare every one. The negative side, x 2^-k, is exact anyway.
+// (16-bit sources leave too few bits for a double; into Float the 16 lanes of single-precision
+// division measured faster.)
+template <class SE>
+struct TRepeat;
+template <>
+struct TRepeat<unsigned char> {
+  static constexpr std::uint64_t Ones = 0x0101010101010101u;
+  static constexpr double Scale = 0x1p-64;
+};
+template <>
+struct TRepeat<char> {
+  static constexpr std::uint64_t Ones = 0x0102040810204081u;  // every 7th bit, 2^0 to 2^56
+  static constexpr double Scale = 0x1p-63;
+};
+
 
 template <class TE, class SE>
 constexpr ELaneForm LaneFormOf() {
@@ -38,6 +59,7 @@ constexpr ELaneForm LaneFormOf() {
                           (std::is_same_v<SE, int> && std::is_same_v<TE, unsigned int>) ||
                           (std::is_same_v<SE, unsigned int> && std::is_same_v<TE, int>);
   if constexpr (IsWideNarrowPair<TE, SE>()) return ELaneForm::Rational;
+  else if constexpr (std::is_same_v<TE, double> && Src::IsInteger && sizeof(SE) == 1) return ELaneForm::Repeat;
   else if constexpr (std::is_same_v<SE, float> && Trg::IsInteger && sizeof(TE) <= 2) return ELaneForm::Single;
   else if constexpr (!Trg::IsInteger || std::is_same_v<TE, SE> || closed) return ELaneForm::None;
   else if constexpr (Src::IsInteger && sizeof(SE) <= 2 && sizeof(TE) <= 2) return ELaneForm::Small;
@@ -260,12 +282,29 @@ NU_LANES_ void ConvertSingleLanes(TE* trg, float const* src, __mmask16 mask) noe
   }
 }
 
+// Eight elements of a Repeat pair.
+template <class SE, bool Tail>
+NU_LANES_ void ConvertRepeatLanes(double* trg, SE const* src, __mmask8 mask) noexcept {
+  __m128i const b = Tail ? _mm_maskz_loadu_epi8(mask, src) : _mm_loadl_epi64(reinterpret_cast<__m128i const*>(src));
+  __m512i const x = std::is_signed_v<SE> ? _mm512_cvtepi8_epi64(b) : _mm512_cvtepu8_epi64(b);
+  __m512i const repeated = _mm512_mullo_epi64(x, _mm512_set1_epi64(static_cast<long long>(TRepeat<SE>::Ones)));
+  __m512d v = _mm512_mul_pd(_mm512_cvtepu64_pd(repeated), _mm512_set1_pd(TRepeat<SE>::Scale));
+  if constexpr (std::is_signed_v<SE>) {
+    __mmask8 const below = _mm512_cmplt_epi64_mask(x, _mm512_set1_epi64(1));
+    v = _mm512_mask_mul_pd(v, below, _mm512_cvtepi64_pd(x), _mm512_set1_pd(TDataTraits<SE>::NegativeScale));
+  }
+  Tail ? _mm512_mask_storeu_pd(trg, mask, v) : _mm512_storeu_pd(trg, v);
+}
+
 template <class TE, class SE>
 NU_LANES_ void ConvertValuesLanesAvx512(std::size_t n, TE* trg, SE const* src) noexcept {
   std::size_t i = 0;
   if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Single) {
     for (; i + 16 <= n; i += 16) ConvertSingleLanes<TE, false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertSingleLanes<TE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
+  } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Repeat) {
+    for (; i + 8 <= n; i += 8) ConvertRepeatLanes<SE, false>(trg + i, src + i, 0xFF);
+    if (i < n) ConvertRepeatLanes<SE, true>(trg + i, src + i, static_cast<__mmask8>((1u << (n - i)) - 1));
   } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Small) {
     for (; i + 32 <= n; i += 32) ConvertSmallLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
     if (i < n) ConvertSmallLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));
