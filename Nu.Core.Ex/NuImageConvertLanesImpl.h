@@ -1,8 +1,8 @@
 #pragma once
 // Private to the library: the AVX-512 value kernels of the pairs whose target is an integer
-// type, and of Double from the byte types, written with intrinsics because the compiler's own vectorisation of the value rule's
-// selects and NaN test is several times slower than memory there. Included by
-// NuImageConvertValuesImpl.h only.
+// type, and of Double from the byte types, written with intrinsics because the compiler's own
+// vectorisation of the value rule's selects, NaN test and division is several times slower
+// than memory there. Included by NuImageConvertValuesImpl.h only.
 //
 // Every source value, of any type, is an exact double, so eight elements are carried in the
 // lanes of one register through the rule's own double arithmetic (no FMA, no reciprocal where
@@ -23,8 +23,8 @@
 
 namespace Nu::Detail {
 
-// How the lanes compute a pair; None keeps the plain loop (float targets, equal types and the
-// closed integer forms, which vectorise well as they are).
+// How the lanes compute a pair; None keeps the plain loop (Float targets, Double targets from
+// wider sources, equal types and the closed integer forms, which vectorise well as they are).
 enum class ELaneForm { None, Rule, Rational, Small, Single, Repeat };
 
 // Double from the byte types, by the repeated bits: x / (2^k - 1) is x 2^-k (1 + 2^-k + 2^-2k
@@ -46,7 +46,6 @@ struct TRepeat<char> {
   static constexpr std::uint64_t Ones = 0x0102040810204081u;  // every 7th bit, 2^0 to 2^56
   static constexpr double Scale = 0x1p-63;
 };
-
 
 template <class TE, class SE>
 constexpr ELaneForm LaneFormOf() {
