@@ -2,12 +2,15 @@
 // Private to the library: the AVX-512 value kernels of the pairs whose target is an integer
 // type, and of Double from the byte types, written with intrinsics because the compiler's own
 // vectorisation of the value rule's selects, NaN test and division is several times slower
-// than memory there. Included by NuImageConvertValuesImpl.h only.
+// than memory there. Included by NuImageConvertValuesImpl.h (and the tests of the
+// instruction-set paths) only.
 //
 // Every source value, of any type, is an exact double, so eight elements are carried in the
 // lanes of one register through the rule's own double arithmetic (no FMA, no reciprocal where
 // the rule divides) and truncated by the processor's conversion, whose answer for a NaN and
-// for nothing else is the indefinite integer: its low bits are the rule's NaN results.
+// for nothing else is the indefinite integer: its low bits are the rule's NaN results. The
+// integer pairs whose results have integer forms (ConvertChannelValue) take those forms in
+// integer lanes instead, twice or four times as many per register.
 #include <Nu.Core.Ex/NuImageConvertImpl.h>
 
 #include <cstddef>
@@ -25,7 +28,7 @@ namespace Nu::Detail {
 
 // How the lanes compute a pair; None keeps the plain loop (Float targets, Double targets from
 // wider sources, equal types and the closed integer forms, which vectorise well as they are).
-enum class ELaneForm { None, Rule, Rational, Small, Single, Repeat };
+enum class ELaneForm { None, Rule, Widen, Narrow, Small, Single, Repeat };
 
 // Double from the byte types, by the repeated bits: x / (2^k - 1) is x 2^-k (1 + 2^-k + 2^-2k
 // + ...), x's bits repeated every k places, so x times the repeated ones (x * 0x0101010101010101
@@ -57,7 +60,7 @@ constexpr ELaneForm LaneFormOf() {
                             std::is_same_v<TE, unsigned int>)) ||
                           (std::is_same_v<SE, int> && std::is_same_v<TE, unsigned int>) ||
                           (std::is_same_v<SE, unsigned int> && std::is_same_v<TE, int>);
-  if constexpr (IsWideNarrowPair<TE, SE>()) return ELaneForm::Rational;
+  if constexpr (IsWideNarrowPair<TE, SE>()) return sizeof(TE) == 4 ? ELaneForm::Widen : ELaneForm::Narrow;
   else if constexpr (std::is_same_v<TE, double> && Src::IsInteger && sizeof(SE) == 1) return ELaneForm::Repeat;
   else if constexpr (std::is_same_v<SE, float> && Trg::IsInteger && sizeof(TE) <= 2) return ELaneForm::Single;
   else if constexpr (!Trg::IsInteger || std::is_same_v<TE, SE> || closed) return ELaneForm::None;
@@ -135,28 +138,9 @@ NU_LANES_ __m512d RuleLanes(__m512d v) noexcept {
   return _mm512_max_pd(_mm512_set1_pd(Trg::Smallest), _mm512_min_pd(_mm512_set1_pd(Trg::Largest), w));
 }
 
-// Integer pairs with one side of 32 bits and the other of 8 or 16: the one multiplication of
-// RationalScale for a positive x; zero and below give 0 into an unsigned target, otherwise x
-// times the power of two Mt / Ms, which the truncation rounds toward zero as the rule does.
-template <class TE, class SE>
-NU_LANES_ __m512d RationalLanes(__m512d v) noexcept {
-  using Trg = TDataTraits<TE>;
-  using Src = TDataTraits<SE>;
-  __m512d const zero = _mm512_setzero_pd();
-  __m512d negative = zero;
-  if constexpr (Src::IsSigned && Trg::IsSigned)
-    negative = _mm512_mul_pd(v, _mm512_set1_pd(Trg::NegativeMagnitude * Src::NegativeScale));
-  return _mm512_mask_mul_pd(negative, _mm512_cmp_pd_mask(v, zero, _CMP_GT_OQ), v,
-                            _mm512_set1_pd(RationalScale<TE, SE>()));
-}
-
 template <class TE, class SE, bool Tail>
 NU_LANES_ void ConvertLanes(TE* trg, SE const* src, __mmask8 mask) noexcept {
-  __m512d const v = LoadLanes<SE, Tail>(src, mask);
-  if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Rational)
-    StoreLanes<TE, Tail>(trg, RationalLanes<TE, SE>(v), mask);
-  else
-    StoreLanes<TE, Tail>(trg, RuleLanes<TE, SE>(v), mask);
+  StoreLanes<TE, Tail>(trg, RuleLanes<TE, SE>(LoadLanes<SE, Tail>(src, mask)), mask);
 }
 
 // ---- the 8- and 16-bit integer pairs: the integer forms of ConvertChannelValue in 16-bit lanes
@@ -216,17 +200,22 @@ NU_LANES_ __m512i ScaleFloorLanes(__m512i x) noexcept {
 // 32 elements: zero and below as ConvertChannelValue (0 into an unsigned target, otherwise x
 // times the power of two Mt / Ms, truncated toward zero: a shift, with the bias that rounds a
 // negative quotient up).
+// 32 source elements of 8 or 16 bits in 16-bit lanes, extended by their sign.
+template <class SE, bool Tail>
+NU_LANES_ __m512i LoadSmallLanes(SE const* src, __mmask32 mask) noexcept {
+  if constexpr (sizeof(SE) == 1) {
+    __m256i const b = Tail ? _mm256_maskz_loadu_epi8(mask, src) : _mm256_loadu_si256(reinterpret_cast<__m256i const*>(src));
+    return std::is_signed_v<SE> ? _mm512_cvtepi8_epi16(b) : _mm512_cvtepu8_epi16(b);
+  } else {
+    return Tail ? _mm512_maskz_loadu_epi16(mask, src) : _mm512_loadu_si512(src);
+  }
+}
+
 template <class TE, class SE, bool Tail>
 NU_LANES_ void ConvertSmallLanes(TE* trg, SE const* src, __mmask32 mask) noexcept {
   using Trg = TDataTraits<TE>;
   using Src = TDataTraits<SE>;
-  __m512i x;
-  if constexpr (sizeof(SE) == 1) {
-    __m256i const b = Tail ? _mm256_maskz_loadu_epi8(mask, src) : _mm256_loadu_si256(reinterpret_cast<__m256i const*>(src));
-    x = Src::IsSigned ? _mm512_cvtepi8_epi16(b) : _mm512_cvtepu8_epi16(b);
-  } else {
-    x = Tail ? _mm512_maskz_loadu_epi16(mask, src) : _mm512_loadu_si512(src);
-  }
+  __m512i const x = LoadSmallLanes<SE, Tail>(src, mask);
   __m512i result =
       ScaleFloorLanes<static_cast<std::uint32_t>(Trg::Largest), static_cast<std::uint32_t>(Src::Largest)>(x);
   if constexpr (Src::IsSigned) {
@@ -249,6 +238,137 @@ NU_LANES_ void ConvertSmallLanes(TE* trg, SE const* src, __mmask32 mask) noexcep
     Tail ? _mm256_mask_storeu_epi8(trg, mask, b) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), b);
   } else {
     Tail ? _mm512_mask_storeu_epi16(trg, mask, result) : _mm512_storeu_si512(trg, result);
+  }
+}
+
+// ---- 32-bit integers against the 8- and 16-bit ones, in integer lanes ---------------------
+// The rule's result for a positive x is floor(x * Lt / Ls) (RationalScale), zero and below as
+// the integer forms of ConvertChannelValue.
+
+// Widening: Lt = a * Ls + b makes the floor a * x + floor(b * x / Ls), the sum below 2^32.
+// WidenLanes takes 16 elements x and their second terms in 32-bit lanes.
+template <class TE, class SE>
+NU_LANES_ __m512i WidenLanes(__m512i x, __m512i part) noexcept {
+  using Trg = TDataTraits<TE>;
+  using Src = TDataTraits<SE>;
+  constexpr std::uint32_t a = static_cast<std::uint32_t>(Trg::Largest) / static_cast<std::uint32_t>(Src::Largest);
+  __m512i const whole =
+      (a & (a - 1)) == 0 ? _mm512_slli_epi32(x, Log2(a)) : _mm512_mullo_epi32(x, _mm512_set1_epi32(static_cast<int>(a)));
+  __m512i const result = _mm512_add_epi32(whole, part);
+  if constexpr (!Src::IsSigned) {
+    return result;
+  } else {
+    // Below zero: 0 into UInt, x times the power of two Mt / Ms into Int.
+    __m512i negative = _mm512_setzero_si512();
+    if constexpr (Trg::IsSigned)
+      negative = _mm512_slli_epi32(x, Log2(static_cast<std::uint32_t>(Trg::NegativeMagnitude / Src::NegativeMagnitude)));
+    return _mm512_mask_blend_epi32(_mm512_cmpgt_epi32_mask(x, _mm512_setzero_si512()), negative, result);
+  }
+}
+
+// 32 elements, the second term in 16-bit lanes (b < Ls).
+template <class TE, class SE, bool Tail>
+NU_LANES_ void ConvertWidenLanes(TE* trg, SE const* src, __mmask32 mask) noexcept {
+  constexpr auto lt = static_cast<std::uint32_t>(TDataTraits<TE>::Largest);
+  constexpr auto ls = static_cast<std::uint32_t>(TDataTraits<SE>::Largest);
+  static_assert(lt % ls != 0, "an exact multiple is a closed form");
+  __m512i const x = LoadSmallLanes<SE, Tail>(src, mask);
+  __m512i const part = ScaleFloorLanes<lt % ls, ls>(x);
+  for (int half = 0; half < 2; ++half) {
+    __m256i const xh = half == 0 ? _mm512_castsi512_si256(x) : _mm512_extracti64x4_epi64(x, 1);
+    __m256i const ph = half == 0 ? _mm512_castsi512_si256(part) : _mm512_extracti64x4_epi64(part, 1);
+    __m512i const result = WidenLanes<TE, SE>(std::is_signed_v<SE> ? _mm512_cvtepi16_epi32(xh) : _mm512_cvtepu16_epi32(xh),
+                                              _mm512_cvtepu16_epi32(ph));
+    if (Tail)
+      _mm512_mask_storeu_epi32(trg + 16 * half, static_cast<__mmask16>(mask >> (16 * half)), result);
+    else
+      _mm512_storeu_si512(trg + 16 * half, result);
+  }
+}
+
+// Narrowing, 16 elements: Ls = 2^k - 1, and y = x * Lt = q 2^k + r is q Ls + q + r, where
+// q < Lt and r < 2^k, so q + r < 2 Ls and floor(y / Ls) = q + [q + r >= Ls] = (y + q + 1) >> k:
+// 64-bit lanes, even and odd elements apart.
+template <unsigned int K>
+NU_LANES_ __m512i QuotientByMersenne(__m512i y) noexcept {
+  return _mm512_srli_epi64(_mm512_add_epi64(_mm512_add_epi64(y, _mm512_srli_epi64(y, K)), _mm512_set1_epi64(1)), K);
+}
+
+template <class TE, class SE, bool Tail>
+NU_LANES_ void ConvertNarrowLanes(TE* trg, SE const* src, __mmask16 mask) noexcept {
+  using Trg = TDataTraits<TE>;
+  using Src = TDataTraits<SE>;
+  constexpr unsigned int k = std::is_signed_v<SE> ? 31 : 32;
+  static_assert(Src::Largest == static_cast<double>((std::uint64_t{1} << k) - 1));
+  __m512i const x = Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src);
+  __m512i const lt = _mm512_set1_epi64(static_cast<long long>(Trg::Largest));
+  __m512i const even = QuotientByMersenne<k>(_mm512_mul_epu32(x, lt));
+  __m512i const odd = QuotientByMersenne<k>(_mm512_mul_epu32(_mm512_srli_epi64(x, 32), lt));
+  __m512i result = _mm512_or_si512(even, _mm512_slli_epi64(odd, 32));
+  if constexpr (Src::IsSigned) {
+    // Below zero: 0 into an unsigned target, otherwise x over the power of two Ms / Mt,
+    // truncated toward zero (a shift, with the bias that rounds a negative quotient up).
+    __m512i negative = _mm512_setzero_si512();
+    if constexpr (Trg::IsSigned) {
+      constexpr auto m = static_cast<std::uint32_t>(Src::NegativeMagnitude / Trg::NegativeMagnitude);
+      __m512i const bias = _mm512_and_si512(_mm512_srai_epi32(x, 31), _mm512_set1_epi32(static_cast<int>(m - 1)));
+      negative = _mm512_srai_epi32(_mm512_add_epi32(x, bias), Log2(m));
+    }
+    result = _mm512_mask_blend_epi32(_mm512_cmpgt_epi32_mask(x, _mm512_setzero_si512()), negative, result);
+  }
+  if constexpr (sizeof(TE) == 1) {
+    __m128i const b = _mm512_cvtepi32_epi8(result);
+    Tail ? _mm_mask_storeu_epi8(trg, mask, b) : _mm_storeu_si128(reinterpret_cast<__m128i*>(trg), b);
+  } else {
+    __m256i const w = _mm512_cvtepi32_epi16(result);
+    Tail ? _mm256_mask_storeu_epi16(trg, mask, w) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), w);
+  }
+}
+
+// A table of 256 bytes, held in four registers and looked up 64 bytes at a time by two byte
+// permutes (VBMI) and a select on the top bit of the index.
+NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline __m512i LookUpBytes(__m512i x, __m512i t0, __m512i t1,
+                                                                             __m512i t2, __m512i t3) noexcept {
+  return _mm512_mask_blend_epi8(_mm512_movepi8_mask(x), _mm512_permutex2var_epi8(t0, x, t1),
+                                _mm512_permutex2var_epi8(t2, x, t3));
+}
+
+// Widening from the byte types: the second term, floor(b x / Ls), is under a byte, so the
+// table above gives it for 64 elements at once.
+template <class TE, class SE, int Quarter>
+NU_LANES_ void WidenQuarter(TE* trg, __m512i x, __m512i part, __mmask64 mask) noexcept {
+  __m128i const xq = _mm512_extracti32x4_epi32(x, Quarter), pq = _mm512_extracti32x4_epi32(part, Quarter);
+  __m512i const result = WidenLanes<TE, SE>(std::is_signed_v<SE> ? _mm512_cvtepi8_epi32(xq) : _mm512_cvtepu8_epi32(xq),
+                                            _mm512_cvtepu8_epi32(pq));
+  _mm512_mask_storeu_epi32(trg + 16 * Quarter, static_cast<__mmask16>(mask >> (16 * Quarter)), result);
+}
+
+template <class TE, class SE>
+NU_ISA_AVX512_VBMI NU_NOCLONE void ConvertWidenBytesAvx512(std::size_t n, TE* trg, SE const* src) noexcept {
+  constexpr auto lt = static_cast<std::uint32_t>(TDataTraits<TE>::Largest);
+  constexpr auto ls = static_cast<std::uint32_t>(TDataTraits<SE>::Largest);
+  struct alignas(64) STable {
+    unsigned char Value[256];
+  };
+  static constexpr STable table = [] {
+    STable t{};
+    for (unsigned int b = 0; b < 256; ++b) {
+      auto const x = static_cast<SE>(b);
+      t.Value[b] = static_cast<unsigned char>(x > 0 ? static_cast<std::uint32_t>(x) * (lt % ls) / ls : 0);
+    }
+    return t;
+  }();
+  __m512i const t0 = _mm512_load_si512(table.Value), t1 = _mm512_load_si512(table.Value + 64);
+  __m512i const t2 = _mm512_load_si512(table.Value + 128), t3 = _mm512_load_si512(table.Value + 192);
+  for (std::size_t i = 0; i < n; i += 64) {
+    std::size_t const left = n - i;
+    __mmask64 const mask = left >= 64 ? ~__mmask64{0} : (std::uint64_t{1} << left) - 1;
+    __m512i const x = _mm512_maskz_loadu_epi8(mask, src + i);
+    __m512i const part = LookUpBytes(x, t0, t1, t2, t3);
+    WidenQuarter<TE, SE, 0>(trg + i, x, part, mask);
+    if (left > 16) WidenQuarter<TE, SE, 1>(trg + i, x, part, mask);
+    if (left > 32) WidenQuarter<TE, SE, 2>(trg + i, x, part, mask);
+    if (left > 48) WidenQuarter<TE, SE, 3>(trg + i, x, part, mask);
   }
 }
 
@@ -307,6 +427,12 @@ NU_LANES_ void ConvertValuesLanesAvx512(std::size_t n, TE* trg, SE const* src) n
   } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Small) {
     for (; i + 32 <= n; i += 32) ConvertSmallLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
     if (i < n) ConvertSmallLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));
+  } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Widen) {
+    for (; i + 32 <= n; i += 32) ConvertWidenLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
+    if (i < n) ConvertWidenLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));
+  } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Narrow) {
+    for (; i + 16 <= n; i += 16) ConvertNarrowLanes<TE, SE, false>(trg + i, src + i, 0xFFFF);
+    if (i < n) ConvertNarrowLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
   } else {
     for (; i + 8 <= n; i += 8) ConvertLanes<TE, SE, false>(trg + i, src + i, 0xFF);
     if (i < n) ConvertLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask8>((1u << (n - i)) - 1));

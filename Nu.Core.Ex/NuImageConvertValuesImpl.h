@@ -21,15 +21,8 @@ NU_CONVERT_VALUES_ISA_(Avx2, NU_ISA_AVX2)
 NU_CONVERT_VALUES_ISA_(Baseline, NU_ISA_BASELINE)
 #undef NU_CONVERT_VALUES_ISA_
 
-// Between the two byte types every value is one of 256: a table of the rule's results, held
-// in four registers and looked up 64 bytes at a time by two byte permutes (VBMI) and a select
-// on the top bit of the index.
-NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline __m512i LookUpBytes(__m512i x, __m512i t0, __m512i t1,
-                                                                             __m512i t2, __m512i t3) noexcept {
-  return _mm512_mask_blend_epi8(_mm512_movepi8_mask(x), _mm512_permutex2var_epi8(t0, x, t1),
-                                _mm512_permutex2var_epi8(t2, x, t3));
-}
-
+// Between the two byte types every value is one of 256: a table of the rule's results
+// (LookUpBytes).
 template <class TE, class SE>
 NU_ISA_AVX512_VBMI NU_NOCLONE void ConvertBytesAvx512(std::size_t n, TE* trg, SE const* src) noexcept {
   struct alignas(64) STable {
@@ -57,6 +50,9 @@ template <class TE, class SE>
 NU_ISA_AVX512 NU_NOCLONE void ConvertValuesAvx512(std::size_t n, TE* __restrict trg, SE const* __restrict src) noexcept {
   if constexpr (sizeof(TE) == 1 && sizeof(SE) == 1 && !std::is_same_v<TE, SE>) {
     if (__builtin_cpu_supports("avx512vbmi")) return ConvertBytesAvx512<TE, SE>(n, trg, src);
+  }
+  if constexpr (sizeof(SE) == 1 && LaneFormOf<TE, SE>() == ELaneForm::Widen) {
+    if (__builtin_cpu_supports("avx512vbmi")) return ConvertWidenBytesAvx512<TE, SE>(n, trg, src);
   }
   if constexpr (LaneFormOf<TE, SE>() != ELaneForm::None) {
     ConvertValuesLanesAvx512<TE, SE>(n, trg, src);

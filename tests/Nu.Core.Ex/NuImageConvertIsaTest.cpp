@@ -4,6 +4,7 @@
 // starts, and the fused layout path for every layout shape, with guard bytes around the runs.
 // The library's own path on this CPU is also covered by every other conversion test.
 #include <Nu.Core.Ex/NuImageConvertImpl.h>
+#include <Nu.Core.Ex/NuImageConvertValuesImpl.h>
 
 #include <Reference/ConvertReference.h>
 #include <Support/ConvertSamples.h>
@@ -65,7 +66,7 @@ struct TMovesTested {
 // The run lengths around the vector widths, plus a long run.
 constexpr std::size_t Lengths[] = {0, 1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 129, 1000};
 
-template <class TE, class SE>
+template <class TE, class SE, template <class, class> class TValues = TValuesTested>
 void CheckValues(int trgType, int srcType) {
   SCOPED_TRACE(std::string(NuRef::FindDataType(trgType)->Name) + " <- " + NuRef::FindDataType(srcType)->Name);
   NuRef::SDataRow const& src = *NuRef::FindDataType(srcType);
@@ -85,7 +86,7 @@ void CheckValues(int trgType, int srcType) {
     std::vector<unsigned char> source(values.begin() + static_cast<std::ptrdiff_t>(start * sizeof(SE)),
                                       values.begin() + static_cast<std::ptrdiff_t>((start + length) * sizeof(SE)));
     source.insert(source.begin(), sizeof(SE), 0);  // one element ahead: another alignment again
-    TValuesTested<TE, SE>::Run(length, reinterpret_cast<TE*>(out.Run()),
+    TValues<TE, SE>::Run(length, reinterpret_cast<TE*>(out.Run()),
                                            reinterpret_cast<SE const*>(source.data() + sizeof(SE)));
     ASSERT_EQ(out.Bytes, expected.Bytes) << "run of " << length << " from " << start;
   }
@@ -203,7 +204,24 @@ void CheckIsa(EIsa isa) {
 
 class InstructionSet : public ::testing::TestWithParam<EIsa> {};
 
+// The AVX-512 lanes of the byte sources that a VBMI table takes over where the CPU has it.
+template <class TE, class SE>
+struct TLanesWithoutVbmi {
+  NU_ISA_AVX512 static void Run(std::size_t n, TE* trg, SE const* src) noexcept {
+    Nu::Detail::ConvertValuesLanesAvx512<TE, SE>(n, trg, src);
+  }
+};
+
 }  // namespace
+
+TEST(InstructionSet, Avx512WithoutVbmiGivesTheReferenceBits) {
+  if (!Supported(EIsa::Avx512)) GTEST_SKIP() << "this CPU lacks the instruction set";
+  CheckValues<char, unsigned char, TLanesWithoutVbmi>(EDataType::Byte, EDataType::UByte);
+  CheckValues<unsigned char, char, TLanesWithoutVbmi>(EDataType::UByte, EDataType::Byte);
+  CheckValues<int, char, TLanesWithoutVbmi>(EDataType::Int, EDataType::Byte);
+  CheckValues<unsigned int, char, TLanesWithoutVbmi>(EDataType::UInt, EDataType::Byte);
+  CheckValues<int, unsigned char, TLanesWithoutVbmi>(EDataType::Int, EDataType::UByte);
+}
 
 TEST_P(InstructionSet, FastPathsGiveTheReferenceBits) {
   if (!Supported(GetParam())) GTEST_SKIP() << "this CPU lacks the instruction set";
