@@ -3,6 +3,7 @@
 // paths with the generated kernel units.
 #include <Nu.Core.Ex/NuImageConvertImpl.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <immintrin.h>
@@ -41,6 +42,19 @@ void ConvertApart(std::size_t count, void* trg, void const* src, SApart const& a
       StreamCopyAvx512(static_cast<char*>(trg) + p * pixelBytes, out, n * pixelBytes);
     }
     _mm_sfence();
+  } else if (std::size_t const srcBytes = count * apart.SrcPixelBytes; srcBytes >= FetchFromBytes) {
+    // A source far larger than the caches: short steps, each after a request for the source
+    // lines a few steps ahead, keep its reads in flight while the kernels work.
+    std::size_t const step = FetchPixels(apart.SrcPixelBytes);
+    auto const* source = static_cast<char const*>(src);
+    std::size_t fetched = 0;
+    for (std::size_t p = 0; p < count; p += step) {
+      std::size_t const n = count - p < step ? count - p : step;
+      std::size_t const ahead = std::min(srcBytes, (p + n) * apart.SrcPixelBytes + FetchAheadBytes);
+      for (; fetched < ahead; fetched += 64) _mm_prefetch(source + fetched, _MM_HINT_T0);
+      apart.Produce(p, n, static_cast<char*>(trg) + p * pixelBytes, src);
+    }
+    if (apart.AlphaPass != nullptr) apart.AlphaPass(count, trg, src);
   } else {
     apart.Produce(0, count, trg, src);
     if (apart.AlphaPass != nullptr) apart.AlphaPass(count, trg, src);

@@ -345,15 +345,26 @@ constexpr std::size_t MovesStreamBlock(std::size_t pixelBytes) noexcept {
   return pixels < 64 ? 64 : pixels > StreamBlock ? StreamBlock : pixels;
 }
 inline constexpr std::size_t MaxPixelBytes = 4 * sizeof(double);
+// Measured here: from this source size on (beyond what the caches hold between calls), the
+// hardware's own prefetching leaves the reads idle while the kernels work, and steps of about
+// 1 KiB of source, each after a software request for the lines 4 KiB ahead, win; for sources
+// the caches hold, they lose.
+inline constexpr std::size_t FetchFromBytes = std::size_t{8} << 20;
+inline constexpr std::size_t FetchAheadBytes = 4096;
+constexpr std::size_t FetchPixels(std::size_t srcPixelBytes) noexcept {
+  std::size_t const pixels = 1024 / srcPixelBytes / 64 * 64;
+  return pixels < 64 ? 64 : pixels;
+}
 
 // What the fused path of one pair needs: its block producer (pixels first .. first + count - 1
 // of the run into `to`, in the target layout), the LumA rule's alpha pass (or null), the
-// target pixel size, the pixels per streamed block (a multiple of 64, at most StreamBlock) and
-// whether the instruction set streams (AVX-512).
+// target and source pixel sizes, the pixels per streamed block (a multiple of 64, at most
+// StreamBlock) and whether the instruction set streams (AVX-512).
 struct SApart {
   void (*Produce)(std::size_t first, std::size_t count, void* to, void const* src) noexcept;
   void (*AlphaPass)(std::size_t count, void* trg, void const* src) noexcept;
   std::size_t TrgPixelBytes;
+  std::size_t SrcPixelBytes;
   std::size_t StreamPixels;
   bool Streams;
 };
@@ -507,6 +518,7 @@ struct TConvertRun {
     } else {
       constexpr std::size_t pixelBytes = TrgStride * sizeof(TE);
       SApart const apart{&Produce<Values, Moves>, AlphaShift ? &AlphaPass<Values, Moves> : nullptr, pixelBytes,
+                         SrcStride * sizeof(SE),
                          SameType ? MovesStreamBlock(pixelBytes) : StreamBlock, Moves::Streams()};
       ConvertApart(count, trg, src, apart);
     }

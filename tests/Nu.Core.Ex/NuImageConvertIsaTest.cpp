@@ -135,21 +135,22 @@ void CheckAcrossBlocks() {
 }
 
 // A target above the streaming size, a part block at the end and a start off the line: on
-// AVX-512 the blocks go out through the buffer with non-temporal stores. Guard bytes around.
+// AVX-512 the blocks go out through the buffer with non-temporal stores. Or a source above the
+// size from which the source is fetched ahead, in short steps. Guard bytes around.
 template <class TTrg, class TSrc>
-void CheckStreamed() {
+void CheckLarge(std::size_t count) {
   using Kernel = Nu::Detail::TConvertKernel<TTrg, TSrc>;
   using TE = typename Kernel::TE;
   using SE = typename Kernel::SE;
-  std::size_t const count = Nu::Detail::StreamBytes / sizeof(TTrg) + Nu::Detail::StreamBlock + 7;
   SCOPED_TRACE(std::string(NuRef::FindLayout(TTrg::PixelTypeId)->Name) + "/" +
                NuRef::FindDataType(TTrg::DataTypeId)->Name + " <- " + NuRef::FindLayout(TSrc::PixelTypeId)->Name +
                "/" + NuRef::FindDataType(TSrc::DataTypeId)->Name);
   std::mt19937 random(static_cast<std::uint32_t>(count));
-  NuTest::SGuarded src(count * sizeof(TSrc), sizeof(SE), 0xA5);
-  NuTest::FillRandom(src.Run(), count * TSrc::ElementCount, TSrc::DataTypeId, random);
+  std::size_t const runs = Kernel::AlphaShift ? 2 : 1;  // the LumA rule's second run
+  NuTest::SGuarded src(runs * count * sizeof(TSrc), sizeof(SE), 0xA5);
+  NuTest::FillRandom(src.Run(), runs * count * TSrc::ElementCount, TSrc::DataTypeId, random);
   // Three pixels past a line: the first target line comes some pixels into the run.
-  std::vector<unsigned char> trg(count * sizeof(TTrg) + 4 * 64, 0x5C);
+  std::vector<unsigned char> trg(runs * count * sizeof(TTrg) + 4 * 64, 0x5C);
   std::vector<unsigned char> expected = trg;
   std::size_t const start = (64 - reinterpret_cast<std::uintptr_t>(trg.data()) % 64) % 64 + 3 * sizeof(TTrg);
   NuRef::ConvertRun(TTrg::PixelTypeId, TTrg::DataTypeId, expected.data() + start, TSrc::PixelTypeId,
@@ -157,6 +158,14 @@ void CheckStreamed() {
   Kernel::Run::template Apart<TValuesTested<TE, SE>, TMovesTested>(
       count, reinterpret_cast<TE*>(trg.data() + start), reinterpret_cast<SE const*>(src.Run()));
   ASSERT_TRUE(trg == expected);
+}
+template <class TTrg, class TSrc>
+void CheckStreamed() {
+  CheckLarge<TTrg, TSrc>(Nu::Detail::StreamBytes / sizeof(TTrg) + Nu::Detail::StreamBlock + 7);
+}
+template <class TTrg, class TSrc>
+void CheckFetched() {
+  CheckLarge<TTrg, TSrc>(Nu::Detail::FetchFromBytes / sizeof(TSrc) + 77);
 }
 
 template <int TD, int SD, int TP, int... SPs>
@@ -200,6 +209,9 @@ void CheckIsa(EIsa isa) {
   CheckStreamed<TPixelOf<EPixelType::BGR, EDataType::Float>, TPixelOf<EPixelType::RGBA, EDataType::Float>>();
   CheckStreamed<TPixelOf<EPixelType::BGR, EDataType::Float>, TPixelOf<EPixelType::RGBA, EDataType::Short>>();
   CheckStreamed<TPixelOf<EPixelType::RGBA, EDataType::Float>, TPixelOf<EPixelType::LumA, EDataType::Short>>();
+  // Sources fetched ahead: moves first, and the LumA rule's two passes.
+  CheckFetched<TPixelOf<EPixelType::Lum, EDataType::UByte>, TPixelOf<EPixelType::RGBA, EDataType::Double>>();
+  CheckFetched<TPixelOf<EPixelType::LumA, EDataType::UByte>, TPixelOf<EPixelType::RGBA, EDataType::Float>>();
 }
 
 class InstructionSet : public ::testing::TestWithParam<EIsa> {};
