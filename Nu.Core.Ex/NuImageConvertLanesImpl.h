@@ -28,7 +28,7 @@ namespace Nu::Detail {
 
 // How the lanes compute a pair; None keeps the plain loop (Float targets, Double targets from
 // wider sources, equal types and the closed integer forms, which vectorise well as they are).
-enum class ELaneForm { None, Rule, Widen, Narrow, Small, Single, Repeat };
+enum class ELaneForm { None, Rule, Halve, Widen, Narrow, Small, Single, Repeat };
 
 // Double from the byte types, by the repeated bits: x / (2^k - 1) is x 2^-k (1 + 2^-k + 2^-2k
 // + ...), x's bits repeated every k places, so x times the repeated ones (x * 0x0101010101010101
@@ -60,7 +60,9 @@ constexpr ELaneForm LaneFormOf() {
                             std::is_same_v<TE, unsigned int>)) ||
                           (std::is_same_v<SE, int> && std::is_same_v<TE, unsigned int>) ||
                           (std::is_same_v<SE, unsigned int> && std::is_same_v<TE, int>);
-  if constexpr (IsWideNarrowPair<TE, SE>()) return sizeof(TE) == 4 ? ELaneForm::Widen : ELaneForm::Narrow;
+  if constexpr (std::is_same_v<TE, int> && (std::is_same_v<SE, unsigned char> || std::is_same_v<SE, unsigned short>))
+    return ELaneForm::Halve;
+  else if constexpr (IsWideNarrowPair<TE, SE>()) return sizeof(TE) == 4 ? ELaneForm::Widen : ELaneForm::Narrow;
   else if constexpr (std::is_same_v<TE, double> && Src::IsInteger && sizeof(SE) == 1) return ELaneForm::Repeat;
   else if constexpr (std::is_same_v<SE, float> && Trg::IsInteger && sizeof(TE) <= 2) return ELaneForm::Single;
   else if constexpr (!Trg::IsInteger || std::is_same_v<TE, SE> || closed) return ELaneForm::None;
@@ -286,6 +288,24 @@ NU_LANES_ void ConvertWidenLanes(TE* trg, SE const* src, __mmask32 mask) noexcep
   }
 }
 
+// Int from UByte and UShort, 16 elements: Ls divides 2^32 - 1, so u = x (2^32 - 1) / Ls is an
+// integer (the closed form into UInt), and x (2^31 - 1) / Ls = u / 2 - d with 0 < d <= 1/2 for
+// a positive x: its floor is (u - 1) >> 1 whether u is even or odd, and 0 for x = 0.
+template <class SE, bool Tail>
+NU_LANES_ void ConvertHalveLanes(int* trg, SE const* src, __mmask16 mask) noexcept {
+  __m512i x;
+  if constexpr (sizeof(SE) == 1)
+    x = _mm512_cvtepu8_epi32(Tail ? _mm_maskz_loadu_epi8(mask, src) : _mm_loadu_si128(reinterpret_cast<__m128i const*>(src)));
+  else
+    x = _mm512_cvtepu16_epi32(Tail ? _mm256_maskz_loadu_epi16(mask, src)
+                                   : _mm256_loadu_si256(reinterpret_cast<__m256i const*>(src)));
+  constexpr std::uint32_t ones = 0xFFFFFFFFu / static_cast<std::uint32_t>(TDataTraits<SE>::Largest);
+  __m512i const u = _mm512_mullo_epi32(x, _mm512_set1_epi32(static_cast<int>(ones)));
+  __m512i const one = _mm512_set1_epi32(1);
+  __m512i const result = _mm512_srli_epi32(_mm512_sub_epi32(_mm512_max_epu32(u, one), one), 1);
+  Tail ? _mm512_mask_storeu_epi32(trg, mask, result) : _mm512_storeu_si512(trg, result);
+}
+
 // Narrowing, 16 elements: Ls = 2^k - 1, and y = x * Lt = q 2^k + r is q Ls + q + r, where
 // q < Lt and r < 2^k, so q + r < 2 Ls and floor(y / Ls) = q + [q + r >= Ls] = (y + q + 1) >> k:
 // 64-bit lanes, even and odd elements apart.
@@ -427,6 +447,9 @@ NU_LANES_ void ConvertValuesLanesAvx512(std::size_t n, TE* trg, SE const* src) n
   } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Small) {
     for (; i + 32 <= n; i += 32) ConvertSmallLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
     if (i < n) ConvertSmallLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));
+  } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Halve) {
+    for (; i + 16 <= n; i += 16) ConvertHalveLanes<SE, false>(trg + i, src + i, 0xFFFF);
+    if (i < n) ConvertHalveLanes<SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
   } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Widen) {
     for (; i + 32 <= n; i += 32) ConvertWidenLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
     if (i < n) ConvertWidenLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));

@@ -232,7 +232,6 @@ TEST(InstructionSet, Avx512WithoutVbmiGivesTheReferenceBits) {
   CheckValues<unsigned char, char, TLanesWithoutVbmi>(EDataType::UByte, EDataType::Byte);
   CheckValues<int, char, TLanesWithoutVbmi>(EDataType::Int, EDataType::Byte);
   CheckValues<unsigned int, char, TLanesWithoutVbmi>(EDataType::UInt, EDataType::Byte);
-  CheckValues<int, unsigned char, TLanesWithoutVbmi>(EDataType::Int, EDataType::UByte);
 }
 
 TEST_P(InstructionSet, FastPathsGiveTheReferenceBits) {
