@@ -355,12 +355,28 @@ NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline __m512i LookUpBytes(__m
 
 // Widening from the byte types: the second term, floor(b x / Ls), is under a byte, so the
 // table above gives it for 64 elements at once.
-template <class TE, class SE, int Quarter>
+// Masked stores only in the tail: a masked store costs several plain ones on some CPUs, and
+// a load of its bytes soon after (the streaming copy's) waits for it to retire.
+template <class TE, class SE, int Quarter, bool Tail>
 NU_LANES_ void WidenQuarter(TE* trg, __m512i x, __m512i part, __mmask64 mask) noexcept {
   __m128i const xq = _mm512_extracti32x4_epi32(x, Quarter), pq = _mm512_extracti32x4_epi32(part, Quarter);
   __m512i const result = WidenLanes<TE, SE>(std::is_signed_v<SE> ? _mm512_cvtepi8_epi32(xq) : _mm512_cvtepu8_epi32(xq),
                                             _mm512_cvtepu8_epi32(pq));
-  _mm512_mask_storeu_epi32(trg + 16 * Quarter, static_cast<__mmask16>(mask >> (16 * Quarter)), result);
+  if (Tail)
+    _mm512_mask_storeu_epi32(trg + 16 * Quarter, static_cast<__mmask16>(mask >> (16 * Quarter)), result);
+  else
+    _mm512_storeu_si512(trg + 16 * Quarter, result);
+}
+
+template <class TE, class SE, bool Tail>
+NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void WidenBytes(TE* trg, SE const* src, __mmask64 mask, __m512i t0, __m512i t1, __m512i t2,
+                                                                         __m512i t3) noexcept {
+  __m512i const x = Tail ? _mm512_maskz_loadu_epi8(mask, src) : _mm512_loadu_si512(src);
+  __m512i const part = LookUpBytes(x, t0, t1, t2, t3);
+  WidenQuarter<TE, SE, 0, Tail>(trg, x, part, mask);
+  if (!Tail || (mask >> 16) != 0) WidenQuarter<TE, SE, 1, Tail>(trg, x, part, mask);
+  if (!Tail || (mask >> 32) != 0) WidenQuarter<TE, SE, 2, Tail>(trg, x, part, mask);
+  if (!Tail || (mask >> 48) != 0) WidenQuarter<TE, SE, 3, Tail>(trg, x, part, mask);
 }
 
 template <class TE, class SE>
@@ -380,16 +396,9 @@ NU_ISA_AVX512_VBMI NU_NOCLONE void ConvertWidenBytesAvx512(std::size_t n, TE* tr
   }();
   __m512i const t0 = _mm512_load_si512(table.Value), t1 = _mm512_load_si512(table.Value + 64);
   __m512i const t2 = _mm512_load_si512(table.Value + 128), t3 = _mm512_load_si512(table.Value + 192);
-  for (std::size_t i = 0; i < n; i += 64) {
-    std::size_t const left = n - i;
-    __mmask64 const mask = left >= 64 ? ~__mmask64{0} : (std::uint64_t{1} << left) - 1;
-    __m512i const x = _mm512_maskz_loadu_epi8(mask, src + i);
-    __m512i const part = LookUpBytes(x, t0, t1, t2, t3);
-    WidenQuarter<TE, SE, 0>(trg + i, x, part, mask);
-    if (left > 16) WidenQuarter<TE, SE, 1>(trg + i, x, part, mask);
-    if (left > 32) WidenQuarter<TE, SE, 2>(trg + i, x, part, mask);
-    if (left > 48) WidenQuarter<TE, SE, 3>(trg + i, x, part, mask);
-  }
+  std::size_t i = 0;
+  for (; i + 64 <= n; i += 64) WidenBytes<TE, SE, false>(trg + i, src + i, ~__mmask64{0}, t0, t1, t2, t3);
+  if (i < n) WidenBytes<TE, SE, true>(trg + i, src + i, (std::uint64_t{1} << (n - i)) - 1, t0, t1, t2, t3);
 }
 
 // ---- Float into the 8- and 16-bit integer types, sixteen lanes of single precision ---------
