@@ -288,6 +288,18 @@ NU_LANES_ void ConvertWidenLanes(TE* trg, SE const* src, __mmask32 mask) noexcep
   }
 }
 
+// Sixteen 32-bit lanes into an 8- or 16-bit target, the tail masked.
+template <class TE, bool Tail>
+NU_LANES_ void StoreNarrowed(TE* trg, __m512i d, __mmask16 mask) noexcept {
+  if constexpr (sizeof(TE) == 1) {
+    __m128i const b = _mm512_cvtepi32_epi8(d);
+    Tail ? _mm_mask_storeu_epi8(trg, mask, b) : _mm_storeu_si128(reinterpret_cast<__m128i*>(trg), b);
+  } else {
+    __m256i const w = _mm512_cvtepi32_epi16(d);
+    Tail ? _mm256_mask_storeu_epi16(trg, mask, w) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), w);
+  }
+}
+
 // Int from UByte and UShort, 16 elements: Ls divides 2^32 - 1, so u = x (2^32 - 1) / Ls is an
 // integer (the closed form into UInt), and x (2^31 - 1) / Ls = u / 2 - d with 0 < d <= 1/2 for
 // a positive x: its floor is (u - 1) >> 1 whether u is even or odd, and 0 for x = 0.
@@ -336,13 +348,7 @@ NU_LANES_ void ConvertNarrowLanes(TE* trg, SE const* src, __mmask16 mask) noexce
     }
     result = _mm512_mask_blend_epi32(_mm512_cmpgt_epi32_mask(x, _mm512_setzero_si512()), negative, result);
   }
-  if constexpr (sizeof(TE) == 1) {
-    __m128i const b = _mm512_cvtepi32_epi8(result);
-    Tail ? _mm_mask_storeu_epi8(trg, mask, b) : _mm_storeu_si128(reinterpret_cast<__m128i*>(trg), b);
-  } else {
-    __m256i const w = _mm512_cvtepi32_epi16(result);
-    Tail ? _mm256_mask_storeu_epi16(trg, mask, w) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), w);
-  }
+  StoreNarrowed<TE, Tail>(trg, result, mask);
 }
 
 // A table of 256 bytes, held in four registers and looked up 64 bytes at a time by two byte
@@ -420,14 +426,7 @@ NU_LANES_ void ConvertSingleLanes(TE* trg, float const* src, __mmask16 mask) noe
   __m512 t = _mm512_mul_round_ps(x, scale, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
   t = _mm512_max_ps(_mm512_set1_ps(static_cast<float>(Trg::Smallest)),
                     _mm512_min_ps(_mm512_set1_ps(static_cast<float>(Trg::Largest)), t));
-  __m512i const d = _mm512_cvttps_epi32(t);
-  if constexpr (sizeof(TE) == 1) {
-    __m128i const b = _mm512_cvtepi32_epi8(d);
-    Tail ? _mm_mask_storeu_epi8(trg, mask, b) : _mm_storeu_si128(reinterpret_cast<__m128i*>(trg), b);
-  } else {
-    __m256i const w = _mm512_cvtepi32_epi16(d);
-    Tail ? _mm256_mask_storeu_epi16(trg, mask, w) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), w);
-  }
+  StoreNarrowed<TE, Tail>(trg, _mm512_cvttps_epi32(t), mask);
 }
 
 // Eight elements of a Repeat pair.
