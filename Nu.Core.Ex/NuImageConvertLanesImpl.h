@@ -199,9 +199,6 @@ NU_LANES_ __m512i ScaleFloorLanes(__m512i x) noexcept {
   }
 }
 
-// 32 elements: zero and below as ConvertChannelValue (0 into an unsigned target, otherwise x
-// times the power of two Mt / Ms, truncated toward zero: a shift, with the bias that rounds a
-// negative quotient up).
 // 32 source elements of 8 or 16 bits in 16-bit lanes, extended by their sign.
 template <class SE, bool Tail>
 NU_LANES_ __m512i LoadSmallLanes(SE const* src, __mmask32 mask) noexcept {
@@ -213,6 +210,9 @@ NU_LANES_ __m512i LoadSmallLanes(SE const* src, __mmask32 mask) noexcept {
   }
 }
 
+// 32 elements: zero and below as ConvertChannelValue (0 into an unsigned target, otherwise x
+// times the power of two Mt / Ms, truncated toward zero: a shift, with the bias that rounds a
+// negative quotient up).
 template <class TE, class SE, bool Tail>
 NU_LANES_ void ConvertSmallLanes(TE* trg, SE const* src, __mmask32 mask) noexcept {
   using Trg = TDataTraits<TE>;
@@ -352,11 +352,31 @@ NU_LANES_ void ConvertNarrowLanes(TE* trg, SE const* src, __mmask16 mask) noexce
 }
 
 // A table of 256 bytes, held in four registers and looked up 64 bytes at a time by two byte
-// permutes (VBMI) and a select on the top bit of the index.
-NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline __m512i LookUpBytes(__m512i x, __m512i t0, __m512i t1,
-                                                                             __m512i t2, __m512i t3) noexcept {
-  return _mm512_mask_blend_epi8(_mm512_movepi8_mask(x), _mm512_permutex2var_epi8(t0, x, t1),
-                                _mm512_permutex2var_epi8(t2, x, t3));
+// permutes (VBMI) and a select on the top bit of the index. TEntry::Of(b) is the byte for b.
+template <class TEntry>
+struct TByteTable {
+  struct alignas(64) SValues {
+    unsigned char Value[256];
+  };
+  static constexpr SValues Values = [] {
+    SValues t{};
+    for (unsigned int b = 0; b < 256; ++b) t.Value[b] = TEntry::Of(b);
+    return t;
+  }();
+};
+struct SByteRegisters {
+  __m512i T0, T1, T2, T3;
+};
+template <class TEntry>
+NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline SByteRegisters LoadByteTable() noexcept {
+  unsigned char const* values = TByteTable<TEntry>::Values.Value;
+  return {_mm512_load_si512(values), _mm512_load_si512(values + 64), _mm512_load_si512(values + 128),
+          _mm512_load_si512(values + 192)};
+}
+NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline __m512i LookUpBytes(__m512i x,
+                                                                             SByteRegisters const& t) noexcept {
+  return _mm512_mask_blend_epi8(_mm512_movepi8_mask(x), _mm512_permutex2var_epi8(t.T0, x, t.T1),
+                                _mm512_permutex2var_epi8(t.T2, x, t.T3));
 }
 
 // Widening from the byte types: the second term, floor(b x / Ls), is under a byte, so the
@@ -375,36 +395,33 @@ NU_LANES_ void WidenQuarter(TE* trg, __m512i x, __m512i part, __mmask64 mask) no
 }
 
 template <class TE, class SE, bool Tail>
-NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void WidenBytes(TE* trg, SE const* src, __mmask64 mask, __m512i t0, __m512i t1, __m512i t2,
-                                                                         __m512i t3) noexcept {
+NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void WidenBytes(TE* trg, SE const* src, __mmask64 mask,
+                                                                         SByteRegisters const& table) noexcept {
   __m512i const x = Tail ? _mm512_maskz_loadu_epi8(mask, src) : _mm512_loadu_si512(src);
-  __m512i const part = LookUpBytes(x, t0, t1, t2, t3);
+  __m512i const part = LookUpBytes(x, table);
   WidenQuarter<TE, SE, 0, Tail>(trg, x, part, mask);
   if (!Tail || (mask >> 16) != 0) WidenQuarter<TE, SE, 1, Tail>(trg, x, part, mask);
   if (!Tail || (mask >> 32) != 0) WidenQuarter<TE, SE, 2, Tail>(trg, x, part, mask);
   if (!Tail || (mask >> 48) != 0) WidenQuarter<TE, SE, 3, Tail>(trg, x, part, mask);
 }
 
+// floor(b x / Ls) of each byte value x above zero, 0 otherwise.
+template <class TE, class SE>
+struct TWidenPart {
+  static constexpr unsigned char Of(unsigned int b) noexcept {
+    constexpr auto lt = static_cast<std::uint32_t>(TDataTraits<TE>::Largest);
+    constexpr auto ls = static_cast<std::uint32_t>(TDataTraits<SE>::Largest);
+    auto const x = static_cast<SE>(b);
+    return static_cast<unsigned char>(x > 0 ? static_cast<std::uint32_t>(x) * (lt % ls) / ls : 0);
+  }
+};
+
 template <class TE, class SE>
 NU_ISA_AVX512_VBMI NU_NOCLONE void ConvertWidenBytesAvx512(std::size_t n, TE* trg, SE const* src) noexcept {
-  constexpr auto lt = static_cast<std::uint32_t>(TDataTraits<TE>::Largest);
-  constexpr auto ls = static_cast<std::uint32_t>(TDataTraits<SE>::Largest);
-  struct alignas(64) STable {
-    unsigned char Value[256];
-  };
-  static constexpr STable table = [] {
-    STable t{};
-    for (unsigned int b = 0; b < 256; ++b) {
-      auto const x = static_cast<SE>(b);
-      t.Value[b] = static_cast<unsigned char>(x > 0 ? static_cast<std::uint32_t>(x) * (lt % ls) / ls : 0);
-    }
-    return t;
-  }();
-  __m512i const t0 = _mm512_load_si512(table.Value), t1 = _mm512_load_si512(table.Value + 64);
-  __m512i const t2 = _mm512_load_si512(table.Value + 128), t3 = _mm512_load_si512(table.Value + 192);
+  SByteRegisters const table = LoadByteTable<TWidenPart<TE, SE>>();
   std::size_t i = 0;
-  for (; i + 64 <= n; i += 64) WidenBytes<TE, SE, false>(trg + i, src + i, ~__mmask64{0}, t0, t1, t2, t3);
-  if (i < n) WidenBytes<TE, SE, true>(trg + i, src + i, (std::uint64_t{1} << (n - i)) - 1, t0, t1, t2, t3);
+  for (; i + 64 <= n; i += 64) WidenBytes<TE, SE, false>(trg + i, src + i, ~__mmask64{0}, table);
+  if (i < n) WidenBytes<TE, SE, true>(trg + i, src + i, (std::uint64_t{1} << (n - i)) - 1, table);
 }
 
 // ---- Float into the 8- and 16-bit integer types, sixteen lanes of single precision ---------

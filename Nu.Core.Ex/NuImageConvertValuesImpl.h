@@ -21,26 +21,22 @@ NU_CONVERT_VALUES_ISA_(Avx2, NU_ISA_AVX2)
 NU_CONVERT_VALUES_ISA_(Baseline, NU_ISA_BASELINE)
 #undef NU_CONVERT_VALUES_ISA_
 
-// Between the two byte types every value is one of 256: a table of the rule's results
-// (LookUpBytes).
+// Between the two byte types every value is one of 256: a table of the rule's results.
+template <class TE, class SE>
+struct TRuleBytes {
+  static constexpr unsigned char Of(unsigned int b) noexcept {
+    return static_cast<unsigned char>(ConvertChannelValue<TE, SE>(static_cast<SE>(b)));
+  }
+};
+
 template <class TE, class SE>
 NU_ISA_AVX512_VBMI NU_NOCLONE void ConvertBytesAvx512(std::size_t n, TE* trg, SE const* src) noexcept {
-  struct alignas(64) STable {
-    TE Value[256];
-  };
-  static constexpr STable table = [] {
-    STable t{};
-    for (unsigned int b = 0; b < 256; ++b) t.Value[b] = ConvertChannelValue<TE, SE>(static_cast<SE>(b));
-    return t;
-  }();
-  __m512i const t0 = _mm512_load_si512(table.Value), t1 = _mm512_load_si512(table.Value + 64);
-  __m512i const t2 = _mm512_load_si512(table.Value + 128), t3 = _mm512_load_si512(table.Value + 192);
+  SByteRegisters const table = LoadByteTable<TRuleBytes<TE, SE>>();
   std::size_t i = 0;
-  for (; i + 64 <= n; i += 64)
-    _mm512_storeu_si512(trg + i, LookUpBytes(_mm512_loadu_si512(src + i), t0, t1, t2, t3));
+  for (; i + 64 <= n; i += 64) _mm512_storeu_si512(trg + i, LookUpBytes(_mm512_loadu_si512(src + i), table));
   if (i < n) {
     __mmask64 const mask = (std::uint64_t{1} << (n - i)) - 1;
-    _mm512_mask_storeu_epi8(trg + i, mask, LookUpBytes(_mm512_maskz_loadu_epi8(mask, src + i), t0, t1, t2, t3));
+    _mm512_mask_storeu_epi8(trg + i, mask, LookUpBytes(_mm512_maskz_loadu_epi8(mask, src + i), table));
   }
 }
 
