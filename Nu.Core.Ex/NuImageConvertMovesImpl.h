@@ -4,6 +4,7 @@
 // shape, compiled with -O3) and nowhere else: the loop units and the tests call the kernels
 // those units emit.
 #include <Nu.Core.Ex/NuImageConvertImpl.h>
+#include <Nu.Core.Ex/NuImageConvertValuesImpl.h>
 
 #include <immintrin.h>
 #include <iterator>
@@ -146,11 +147,25 @@ inline std::uint64_t BytesBelow(std::size_t at, std::size_t total) noexcept {
   return total - at >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << (total - at)) - 1;
 }
 
+// What happens to the moved values before the filled alpha goes in: nothing, or the rule
+// between the two byte types from its table.
+struct SAsMoved {
+  NU_ISA_AVX512_VBMI __attribute__((always_inline)) __m512i operator()(__m512i value) const noexcept {
+    return value;
+  }
+};
+struct SMappedBytes {
+  SByteRegisters Table;
+  NU_ISA_AVX512_VBMI __attribute__((always_inline)) __m512i operator()(__m512i value) const noexcept {
+    return LookUpBytes(value, Table);
+  }
+};
+
 // One target vector of a group; Tail: near the ends of the runs, every access masked to them.
-template <class Move, bool Tail, class T>
+template <class Move, bool Tail, class T, class Map>
 NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void MovePermuteVector(
     std::size_t group, std::size_t v, char* trg, char const* src, std::size_t trgTotal, std::size_t srcTotal,
-    __m512i fill) noexcept {
+    __m512i fill, Map const& map) noexcept {
   constexpr auto const& tables = Move::Tables;
   std::size_t const trgAt = group * Move::Pixels * Move::TrgPixel + v * 64;
   std::size_t const srcAt = group * Move::Pixels * Move::SrcPixel + tables.Window[v] * sizeof(T);
@@ -161,7 +176,7 @@ NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void MovePermuteVector(
   __m512i value = Permute2<T>(r[0], _mm512_load_si512(&tables.Index[v][0]), r[1]);
   if constexpr (Move::Registers == 4)
     value = _mm512_mask_blend_epi8(tables.Upper[v], value, Permute2<T>(r[2], _mm512_load_si512(&tables.Index[v][1]), r[3]));
-  value = _mm512_mask_blend_epi8(tables.Filled[v], value, fill);
+  value = _mm512_mask_blend_epi8(tables.Filled[v], map(value), fill);
   char* const at = trg + trgAt;
   // Near the source's end a vector may still lie wholly inside the target (a window reads
   // further than the pixels it fills): only the run's last, partial vector needs the mask.
@@ -174,9 +189,10 @@ NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void MovePermuteVector(
   }
 }
 
-template <class T, class Shape, EPass Pass>
-NU_ISA_AVX512_VBMI __attribute__((noinline)) void MovePermuteAvx512(std::size_t count, T* trg, T const* src,
-                                                                    T fill) noexcept {
+template <class T, class Shape, EPass Pass, class Map>
+NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void MovePermuteLoop(std::size_t count, T* trg,
+                                                                              T const* src, T fill,
+                                                                              Map const& map) noexcept {
   using Move = TPermuteMove<T, Shape, Pass>;
   __m512i fillVector;
   if constexpr (sizeof(T) == 1) fillVector = _mm512_set1_epi8(static_cast<char>(fill));
@@ -191,10 +207,27 @@ NU_ISA_AVX512_VBMI __attribute__((noinline)) void MovePermuteAvx512(std::size_t 
   for (; (group + 1) * Move::Pixels <= count && group * Move::Pixels * Move::SrcPixel + Move::WindowEnd <= srcTotal;
        ++group)
     for (std::size_t v = 0; v < Move::Vectors; ++v)
-      MovePermuteVector<Move, false, T>(group, v, trgBytes, srcBytes, trgTotal, srcTotal, fillVector);
+      MovePermuteVector<Move, false, T>(group, v, trgBytes, srcBytes, trgTotal, srcTotal, fillVector, map);
   for (; group * Move::Pixels < count; ++group)
     for (std::size_t v = 0; v < Move::Vectors; ++v)
-      MovePermuteVector<Move, true, T>(group, v, trgBytes, srcBytes, trgTotal, srcTotal, fillVector);
+      MovePermuteVector<Move, true, T>(group, v, trgBytes, srcBytes, trgTotal, srcTotal, fillVector, map);
+}
+
+template <class T, class Shape, EPass Pass>
+NU_ISA_AVX512_VBMI __attribute__((noinline)) void MovePermuteAvx512(std::size_t count, T* trg, T const* src,
+                                                                    T fill) noexcept {
+  MovePermuteLoop<T, Shape, Pass>(count, trg, src, fill, SAsMoved{});
+}
+
+// The permute applies to every byte shape, word-sized pixels included: the mapping would cost
+// the word loop a second pass.
+template <class TE, class SE, class Shape>
+NU_ISA_AVX512_VBMI void MoveMappedBytesAvx512(std::size_t count, TE* trg, SE const* src) noexcept {
+  static_assert(TPermuteMove<std::uint8_t, Shape, EPass::Full>::Tables.Span <= 4 * 64);
+  auto const fill = static_cast<std::uint8_t>(TDataTraits<TE>::TargetMaximum);
+  MovePermuteLoop<std::uint8_t, Shape, EPass::Full>(count, reinterpret_cast<std::uint8_t*>(trg),
+                                                     reinterpret_cast<std::uint8_t const*>(src), fill,
+                                                     SMappedBytes{LoadByteTable<TRuleBytes<TE, SE>>()});
 }
 
 // The plain loop is compiled twice from the one body, for baseline x86-64 and for AVX2.
@@ -247,6 +280,11 @@ inline void EmitMovesOf() noexcept {
   if constexpr (TrgLayout == EPixelType::LumA) {
     EmitMoves<TMoves<T, Shape, EPass::ColourOnly>>();
     EmitMoves<TMoves<T, Shape, EPass::AlphaOnly>>();
+  } else if constexpr (sizeof(T) == 1 && !Shape::Identity) {
+    // Between the byte types a LumA target takes the LumA rule's passes instead.
+    using Byte = typename TPixelOf<EPixelType::Lum, EDataType::Byte>::Element;
+    using UByte = typename TPixelOf<EPixelType::Lum, EDataType::UByte>::Element;
+    asm volatile("" : : "r"(&MoveMappedBytesAvx512<Byte, UByte, Shape>), "r"(&MoveMappedBytesAvx512<UByte, Byte, Shape>));
   }
 }
 

@@ -52,6 +52,12 @@ struct TValuesTested {
 };
 struct TMovesTested {
   static bool Streams() noexcept { return tested == EIsa::Avx512; }
+  template <class TE, class SE, class Shape>
+  static bool MapBytes(std::size_t count, TE* trg, SE const* src) noexcept {
+    if (tested != EIsa::Avx512 || !__builtin_cpu_supports("avx512vbmi")) return false;
+    Nu::Detail::MoveMappedBytesAvx512<TE, SE, Shape>(count, trg, src);
+    return true;
+  }
   template <class T, class Shape, Nu::Detail::EPass Pass>
   static void Run(std::size_t count, T* trg, T const* src, T fill) noexcept {
     using Moves = Nu::Detail::TMoves<T, Shape, Pass>;
@@ -196,6 +202,8 @@ void CheckIsa(EIsa isa) {
   CheckAllShapes<EDataType::Float, EDataType::UByte>();
   CheckAllShapes<EDataType::UByte, EDataType::Double>();
   CheckAllShapes<EDataType::Short, EDataType::UInt>();
+  CheckAllShapes<EDataType::Byte, EDataType::UByte>();  // values mapped as they move
+  CheckAllShapes<EDataType::UByte, EDataType::Byte>();
   // Runs across the steps of the values-first road (the moves-first one steps every 256
   // pixels): narrow pixels, the LumA rule's two passes and wide pixels.
   using Nu::TPixelOf;
@@ -212,6 +220,7 @@ void CheckIsa(EIsa isa) {
   // Sources fetched ahead: moves first, and the LumA rule's two passes.
   CheckFetched<TPixelOf<EPixelType::Lum, EDataType::UByte>, TPixelOf<EPixelType::RGBA, EDataType::Double>>();
   CheckFetched<TPixelOf<EPixelType::LumA, EDataType::UByte>, TPixelOf<EPixelType::RGBA, EDataType::Float>>();
+  CheckFetched<TPixelOf<EPixelType::BGR, EDataType::Byte>, TPixelOf<EPixelType::RGBA, EDataType::UByte>>();
 }
 
 class InstructionSet : public ::testing::TestWithParam<EIsa> {};
