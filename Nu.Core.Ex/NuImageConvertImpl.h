@@ -322,12 +322,12 @@ struct TMoves {
   NU_NOCLONE static void Here(std::size_t count, T* trg, T const* src, T fill) noexcept;
 };
 
-// The full pass of one shape between the two byte types, each value mapped by the rule on its
-// way, in one sweep (AVX-512 with VBMI: the mapping is a 256-byte table). Defined and emitted
-// beside TMoves. Only for CPUs with VBMI; elsewhere the values and the moves go one after the
-// other through a buffer.
+// The full pass of one shape between the two byte types or the two 16-bit ones, each value
+// mapped by the rule on its way, in one sweep (AVX-512 with VBMI; between the byte types the
+// mapping is a 256-byte table). Defined and emitted beside TMoves. Only for CPUs with VBMI;
+// elsewhere the values and the moves go one after the other through a buffer.
 template <class TE, class SE, class Shape>
-NU_ISA_AVX512_VBMI NU_NOCLONE void MoveMappedBytesAvx512(std::size_t count, TE* trg, SE const* src) noexcept;
+NU_ISA_AVX512_VBMI NU_NOCLONE void MoveMappedAvx512(std::size_t count, TE* trg, SE const* src) noexcept;
 
 // ---- the fused path of separate runs, the same for every pair ------------------------------
 // Pixels per step through the L1 buffer when the values go first, for pixels of the given size
@@ -388,11 +388,11 @@ struct TValuesHere {
 };
 struct TMovesHere {
   static bool Streams() noexcept { return CurrentIsa() == EIsa::Avx512; }
-  // MoveMappedBytesAvx512 where the CPU has it; false otherwise.
+  // MoveMappedAvx512 where the CPU has it; false otherwise.
   template <class TE, class SE, class Shape>
-  static bool MapBytes(std::size_t count, TE* trg, SE const* src) noexcept {
+  static bool MapValues(std::size_t count, TE* trg, SE const* src) noexcept {
     if (CurrentIsa() != EIsa::Avx512 || !__builtin_cpu_supports("avx512vbmi")) return false;
-    MoveMappedBytesAvx512<TE, SE, Shape>(count, trg, src);
+    MoveMappedAvx512<TE, SE, Shape>(count, trg, src);
     return true;
   }
   template <class T, class Shape, EPass Pass>
@@ -458,8 +458,10 @@ struct TConvertRun {
   // A target with fewer elements than the source and nothing to fill: the layout moves go
   // first, on the source's elements, so that only the elements kept are converted.
   static constexpr bool MovesFirst = !AlphaShift && SrcStride > TrgStride && !(TrgAlpha >= 0 && SrcAlpha < 0);
-  // Between the two byte types a layout change can map each value as it moves (one sweep).
-  static constexpr bool MapsBytes = sizeof(TE) == 1 && sizeof(SE) == 1 && !SameType && !Identity && !AlphaShift;
+  // Between the two byte types, or the two 16-bit ones, a layout change can map each value as it
+  // moves (one sweep).
+  static constexpr bool MapsValues =
+      sizeof(TE) == sizeof(SE) && sizeof(TE) <= 2 && !SameType && !Identity && !AlphaShift;
   static constexpr std::size_t SmallRun = 16;
   static constexpr std::size_t ValuesFirstBlock = BlockPixels(SrcStride * sizeof(TE));
   static_assert(TrgStride * sizeof(TE) <= MaxPixelBytes);
@@ -486,8 +488,8 @@ struct TConvertRun {
     auto const* src = static_cast<SE const*>(srcBytes);
     auto const* srcBits = static_cast<Bits const*>(srcBytes);
     Bits const fill = Fill();
-    if constexpr (MapsBytes) {
-      if (Moves::template MapBytes<TE, SE, Shape>(count, reinterpret_cast<TE*>(to), src + p * SrcStride)) return;
+    if constexpr (MapsValues) {
+      if (Moves::template MapValues<TE, SE, Shape>(count, reinterpret_cast<TE*>(to), src + p * SrcStride)) return;
     }
     if constexpr (Identity) {
       Values::Run(count * TrgStride, reinterpret_cast<TE*>(to), src + p * SrcStride);

@@ -213,11 +213,10 @@ NU_LANES_ __m512i LoadSmallLanes(SE const* src, __mmask32 mask) noexcept {
 // 32 elements: zero and below as ConvertChannelValue (0 into an unsigned target, otherwise x
 // times the power of two Mt / Ms, truncated toward zero: a shift, with the bias that rounds a
 // negative quotient up).
-template <class TE, class SE, bool Tail>
-NU_LANES_ void ConvertSmallLanes(TE* trg, SE const* src, __mmask32 mask) noexcept {
+template <class TE, class SE>
+NU_LANES_ __m512i SmallLanes(__m512i x) noexcept {
   using Trg = TDataTraits<TE>;
   using Src = TDataTraits<SE>;
-  __m512i const x = LoadSmallLanes<SE, Tail>(src, mask);
   __m512i result =
       ScaleFloorLanes<static_cast<std::uint32_t>(Trg::Largest), static_cast<std::uint32_t>(Src::Largest)>(x);
   if constexpr (Src::IsSigned) {
@@ -235,6 +234,12 @@ NU_LANES_ void ConvertSmallLanes(TE* trg, SE const* src, __mmask32 mask) noexcep
     }
     result = _mm512_mask_blend_epi16(_mm512_cmpgt_epi16_mask(x, _mm512_setzero_si512()), negative, result);
   }
+  return result;
+}
+
+template <class TE, class SE, bool Tail>
+NU_LANES_ void ConvertSmallLanes(TE* trg, SE const* src, __mmask32 mask) noexcept {
+  __m512i const result = SmallLanes<TE, SE>(LoadSmallLanes<SE, Tail>(src, mask));
   if constexpr (sizeof(TE) == 1) {
     __m256i const b = _mm512_cvtepi16_epi8(result);
     Tail ? _mm256_mask_storeu_epi8(trg, mask, b) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), b);

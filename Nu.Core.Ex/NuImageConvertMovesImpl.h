@@ -148,7 +148,7 @@ inline std::uint64_t BytesBelow(std::size_t at, std::size_t total) noexcept {
 }
 
 // What happens to the moved values before the filled alpha goes in: nothing, or the rule
-// between the two byte types from its table.
+// between the two byte types from its table, or between the two 16-bit types in their lanes.
 struct SAsMoved {
   NU_ISA_AVX512_VBMI __attribute__((always_inline)) __m512i operator()(__m512i value) const noexcept {
     return value;
@@ -158,6 +158,12 @@ struct SMappedBytes {
   SByteRegisters Table;
   NU_ISA_AVX512_VBMI __attribute__((always_inline)) __m512i operator()(__m512i value) const noexcept {
     return LookUpBytes(value, Table);
+  }
+};
+template <class TE, class SE>
+struct TMappedWords {
+  NU_ISA_AVX512_VBMI __attribute__((always_inline)) __m512i operator()(__m512i value) const noexcept {
+    return SmallLanes<TE, SE>(value);
   }
 };
 
@@ -219,15 +225,19 @@ NU_ISA_AVX512_VBMI __attribute__((noinline)) void MovePermuteAvx512(std::size_t 
   MovePermuteLoop<T, Shape, Pass>(count, trg, src, fill, SAsMoved{});
 }
 
-// The permute applies to every byte shape, word-sized pixels included: the mapping would cost
+// The permute applies to every shape here, word-sized pixels included: the mapping would cost
 // the word loop a second pass.
 template <class TE, class SE, class Shape>
-NU_ISA_AVX512_VBMI void MoveMappedBytesAvx512(std::size_t count, TE* trg, SE const* src) noexcept {
-  static_assert(TPermuteMove<std::uint8_t, Shape, EPass::Full>::Tables.Span <= 4 * 64);
-  auto const fill = static_cast<std::uint8_t>(TDataTraits<TE>::TargetMaximum);
-  MovePermuteLoop<std::uint8_t, Shape, EPass::Full>(count, reinterpret_cast<std::uint8_t*>(trg),
-                                                     reinterpret_cast<std::uint8_t const*>(src), fill,
-                                                     SMappedBytes{LoadByteTable<TRuleBytes<TE, SE>>()});
+NU_ISA_AVX512_VBMI void MoveMappedAvx512(std::size_t count, TE* trg, SE const* src) noexcept {
+  using Bits = typename TBitsOf<sizeof(TE)>::Type;
+  static_assert(sizeof(TE) == sizeof(SE) && TPermuteMove<Bits, Shape, EPass::Full>::Tables.Span <= 4 * 64 / sizeof(TE));
+  auto const fill = static_cast<Bits>(TDataTraits<TE>::TargetMaximum);
+  auto* const to = reinterpret_cast<Bits*>(trg);
+  auto const* const from = reinterpret_cast<Bits const*>(src);
+  if constexpr (sizeof(TE) == 1)
+    MovePermuteLoop<Bits, Shape, EPass::Full>(count, to, from, fill, SMappedBytes{LoadByteTable<TRuleBytes<TE, SE>>()});
+  else
+    MovePermuteLoop<Bits, Shape, EPass::Full>(count, to, from, fill, TMappedWords<TE, SE>{});
 }
 
 // The plain loop is compiled twice from the one body, for baseline x86-64 and for AVX2.
@@ -280,11 +290,12 @@ inline void EmitMovesOf() noexcept {
   if constexpr (TrgLayout == EPixelType::LumA) {
     EmitMoves<TMoves<T, Shape, EPass::ColourOnly>>();
     EmitMoves<TMoves<T, Shape, EPass::AlphaOnly>>();
-  } else if constexpr (sizeof(T) == 1 && !Shape::Identity) {
-    // Between the byte types a LumA target takes the LumA rule's passes instead.
-    using Byte = typename TPixelOf<EPixelType::Lum, EDataType::Byte>::Element;
-    using UByte = typename TPixelOf<EPixelType::Lum, EDataType::UByte>::Element;
-    asm volatile("" : : "r"(&MoveMappedBytesAvx512<Byte, UByte, Shape>), "r"(&MoveMappedBytesAvx512<UByte, Byte, Shape>));
+  } else if constexpr (sizeof(T) <= 2 && !Shape::Identity) {
+    // The signed and unsigned types of this size (a LumA target takes the LumA rule's passes).
+    constexpr bool bytes = sizeof(T) == 1;
+    using Signed = typename TPixelOf<EPixelType::Lum, bytes ? EDataType::Byte : EDataType::Short>::Element;
+    using Unsigned = typename TPixelOf<EPixelType::Lum, bytes ? EDataType::UByte : EDataType::UShort>::Element;
+    asm volatile("" : : "r"(&MoveMappedAvx512<Signed, Unsigned, Shape>), "r"(&MoveMappedAvx512<Unsigned, Signed, Shape>));
   }
 }
 

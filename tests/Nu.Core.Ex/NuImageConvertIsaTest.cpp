@@ -53,9 +53,9 @@ struct TValuesTested {
 struct TMovesTested {
   static bool Streams() noexcept { return tested == EIsa::Avx512; }
   template <class TE, class SE, class Shape>
-  static bool MapBytes(std::size_t count, TE* trg, SE const* src) noexcept {
+  static bool MapValues(std::size_t count, TE* trg, SE const* src) noexcept {
     if (tested != EIsa::Avx512 || !__builtin_cpu_supports("avx512vbmi")) return false;
-    Nu::Detail::MoveMappedBytesAvx512<TE, SE, Shape>(count, trg, src);
+    Nu::Detail::MoveMappedAvx512<TE, SE, Shape>(count, trg, src);
     return true;
   }
   template <class T, class Shape, Nu::Detail::EPass Pass>
@@ -204,6 +204,8 @@ void CheckIsa(EIsa isa) {
   CheckAllShapes<EDataType::Short, EDataType::UInt>();
   CheckAllShapes<EDataType::Byte, EDataType::UByte>();  // values mapped as they move
   CheckAllShapes<EDataType::UByte, EDataType::Byte>();
+  CheckAllShapes<EDataType::Short, EDataType::UShort>();
+  CheckAllShapes<EDataType::UShort, EDataType::Short>();
   // Runs across the steps of the values-first road (the moves-first one steps every 256
   // pixels): narrow pixels, the LumA rule's two passes and wide pixels.
   using Nu::TPixelOf;
