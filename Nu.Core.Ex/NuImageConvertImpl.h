@@ -391,7 +391,7 @@ struct TMovesHere {
   // MoveMappedAvx512 where the CPU has it; false otherwise.
   template <class TE, class SE, class Shape>
   static bool MapValues(std::size_t count, TE* trg, SE const* src) noexcept {
-    if (CurrentIsa() != EIsa::Avx512 || !__builtin_cpu_supports("avx512vbmi")) return false;
+    if (CurrentIsa() != EIsa::Avx512 || !HasVbmi()) return false;
     MoveMappedAvx512<TE, SE, Shape>(count, trg, src);
     return true;
   }

@@ -15,6 +15,10 @@ inline EIsa CurrentIsa() noexcept {
   return EIsa::Baseline;
 }
 
+// Within the AVX-512 set: the byte permutes of VBMI, which the table and permute kernels are
+// built with (NU_ISA_AVX512_VBMI). Without it those kernels fall back to other AVX-512 code.
+inline bool HasVbmi() noexcept { return __builtin_cpu_supports("avx512vbmi"); }
+
 #if defined(__clang__)
 #define NU_ISA_AVX512 __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl"), min_vector_width(512)))
 #define NU_ISA_AVX512_VBMI __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,avx512vbmi"), min_vector_width(512)))

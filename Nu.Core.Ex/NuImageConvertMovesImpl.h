@@ -257,7 +257,7 @@ template <class T, class Shape, EPass Pass>
 NU_ISA_AVX512 void TMoves<T, Shape, Pass>::Avx512(std::size_t count, T* __restrict trg, T const* __restrict src,
                                                   T fill) noexcept {
   if constexpr (TPermuteMove<T, Shape, Pass>::Applies) {
-    if (__builtin_cpu_supports("avx512vbmi"))  // the permute function is built with VBMI
+    if (HasVbmi())
       return MovePermuteAvx512<T, Shape, Pass>(count, trg, src, fill);
     // AVX-512 without VBMI: the AVX2 loop, rather than a third compiled copy of it.
     return Avx2(count, trg, src, fill);

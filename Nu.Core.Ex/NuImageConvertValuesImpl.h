@@ -45,10 +45,10 @@ NU_ISA_AVX512_VBMI NU_NOCLONE void ConvertBytesAvx512(std::size_t n, TE* trg, SE
 template <class TE, class SE>
 NU_ISA_AVX512 NU_NOCLONE void ConvertValuesAvx512(std::size_t n, TE* __restrict trg, SE const* __restrict src) noexcept {
   if constexpr (sizeof(TE) == 1 && sizeof(SE) == 1 && !std::is_same_v<TE, SE>) {
-    if (__builtin_cpu_supports("avx512vbmi")) return ConvertBytesAvx512<TE, SE>(n, trg, src);
+    if (HasVbmi()) return ConvertBytesAvx512<TE, SE>(n, trg, src);
   }
   if constexpr (sizeof(SE) == 1 && LaneFormOf<TE, SE>() == ELaneForm::Widen) {
-    if (__builtin_cpu_supports("avx512vbmi")) return ConvertWidenBytesAvx512<TE, SE>(n, trg, src);
+    if (HasVbmi()) return ConvertWidenBytesAvx512<TE, SE>(n, trg, src);
   }
   if constexpr (LaneFormOf<TE, SE>() != ELaneForm::None) {
     ConvertValuesLanesAvx512<TE, SE>(n, trg, src);

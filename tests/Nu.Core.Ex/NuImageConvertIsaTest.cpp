@@ -54,7 +54,7 @@ struct TMovesTested {
   static bool Streams() noexcept { return tested == EIsa::Avx512; }
   template <class TE, class SE, class Shape>
   static bool MapValues(std::size_t count, TE* trg, SE const* src) noexcept {
-    if (tested != EIsa::Avx512 || !__builtin_cpu_supports("avx512vbmi")) return false;
+    if (tested != EIsa::Avx512 || !Nu::Detail::HasVbmi()) return false;
     Nu::Detail::MoveMappedAvx512<TE, SE, Shape>(count, trg, src);
     return true;
   }
@@ -219,7 +219,8 @@ void CheckIsa(EIsa isa) {
   CheckStreamed<TPixelOf<EPixelType::BGR, EDataType::Float>, TPixelOf<EPixelType::RGBA, EDataType::Float>>();
   CheckStreamed<TPixelOf<EPixelType::BGR, EDataType::Float>, TPixelOf<EPixelType::RGBA, EDataType::Short>>();
   CheckStreamed<TPixelOf<EPixelType::RGBA, EDataType::Float>, TPixelOf<EPixelType::LumA, EDataType::Short>>();
-  // Sources fetched ahead: moves first, and the LumA rule's two passes.
+  // Sources fetched ahead: moves first, the LumA rule's two passes, and values mapped as they
+  // move.
   CheckFetched<TPixelOf<EPixelType::Lum, EDataType::UByte>, TPixelOf<EPixelType::RGBA, EDataType::Double>>();
   CheckFetched<TPixelOf<EPixelType::LumA, EDataType::UByte>, TPixelOf<EPixelType::RGBA, EDataType::Float>>();
   CheckFetched<TPixelOf<EPixelType::BGR, EDataType::Byte>, TPixelOf<EPixelType::RGBA, EDataType::UByte>>();
