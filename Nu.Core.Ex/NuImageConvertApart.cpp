@@ -25,7 +25,11 @@ NU_ISA_AVX512 void StreamCopyAvx512(char* trg, unsigned char const* src, std::si
 
 void ConvertApart(std::size_t count, void* trg, void const* src, SApart const& apart) noexcept {
   std::size_t const pixelBytes = apart.TrgPixelBytes;
-  bool const large = apart.Streams && apart.AlphaPass == nullptr && count * pixelBytes >= StreamBytes;
+  if (apart.Produce == nullptr) {
+    std::memcpy(trg, src, count * pixelBytes);
+    return;
+  }
+  bool const large = apart.AlphaPass == nullptr && count * pixelBytes >= StreamBytes && apart.Streams();
   std::size_t first = 0;  // pixels before the first target line (64: no pixel starts one)
   auto const offset = static_cast<std::size_t>(reinterpret_cast<std::uintptr_t>(trg) & 63);
   while (large && first < 64 && (offset + first * pixelBytes) % 64 != 0) ++first;
@@ -59,6 +63,34 @@ void ConvertApart(std::size_t count, void* trg, void const* src, SApart const& a
     apart.Produce(0, count, trg, src);
     if (apart.AlphaPass != nullptr) apart.AlphaPass(count, trg, src);
   }
+}
+
+namespace {
+
+void RunApartOrForward(unsigned int count, void* trg, void const* src, FForward forward, SApart const& apart,
+                       bool trgTwice, bool srcTwice) noexcept {
+  std::size_t const n = count;
+  auto const trgBegin = reinterpret_cast<std::uintptr_t>(trg);
+  auto const srcBegin = reinterpret_cast<std::uintptr_t>(src);
+  std::uintptr_t const trgEnd = trgBegin + (trgTwice ? 2 * n : n) * apart.TrgPixelBytes;
+  std::uintptr_t const srcEnd = srcBegin + (srcTwice ? 2 * n : n) * apart.SrcPixelBytes;
+  if (n >= SmallRun && (trgEnd <= srcBegin || srcEnd <= trgBegin))
+    ConvertApart(n, trg, src, apart);
+  else
+    forward(n, trg, src);
+}
+
+}  // namespace
+
+void ConvertRun(unsigned int count, void* trg, void const* src, FForward forward, FProduce produce,
+                std::uint64_t sizes) noexcept {
+  SApart const apart{produce, nullptr, sizes & 0xFF, (sizes >> 8) & 0xFF, sizes >> 16, &TMovesHere::Streams};
+  RunApartOrForward(count, trg, src, forward, apart, false, false);
+}
+
+void ConvertRunLumA(unsigned int count, void* trg, void const* src, FForward forward, SApart const& apart,
+                    bool srcTwice) noexcept {
+  RunApartOrForward(count, trg, src, forward, apart, true, srcTwice);
 }
 
 }  // namespace Nu::Detail

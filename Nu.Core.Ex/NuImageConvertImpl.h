@@ -364,21 +364,42 @@ constexpr std::size_t FetchPixels(std::size_t srcPixelBytes) noexcept {
 }
 
 // What the fused path of one pair needs: its block producer (pixels first .. first + count - 1
-// of the run into `to`, in the target layout), the LumA rule's alpha pass (or null), the
-// target and source pixel sizes, the pixels per streamed block (a multiple of 64, at most
-// StreamBlock) and whether the instruction set streams (AVX-512).
+// of the run into `to`, in the target layout; null for a plain copy), the LumA rule's alpha
+// pass (or null), the target and source pixel sizes, the pixels per streamed block (a
+// multiple of 64, at most StreamBlock) and whether the instruction set streams (AVX-512).
 struct SApart {
   void (*Produce)(std::size_t first, std::size_t count, void* to, void const* src) noexcept;
   void (*AlphaPass)(std::size_t count, void* trg, void const* src) noexcept;
   std::size_t TrgPixelBytes;
   std::size_t SrcPixelBytes;
   std::size_t StreamPixels;
-  bool Streams;
+  bool (*Streams)() noexcept;
 };
 
 // Runs that do not overlap, of at least one pixel (NuImageConvertApart.cpp). One function for
 // every pair: only the producers are compiled per pair.
 void ConvertApart(std::size_t count, void* trg, void const* src, SApart const& apart) noexcept;
+
+// Runs shorter than this take the plain passes even apart (same result): the fused path's
+// buffer and instruction-set choice cost more than a few pixels.
+inline constexpr std::size_t SmallRun = 16;
+
+// A run of count pixels (NuImageConvertApart.cpp): the fused path of the CPU's instruction set
+// if the runs do not overlap, the forward passes otherwise. One function for every pair, so
+// that the choice is compiled once rather than per pair; a pair passes its kernels and, packed
+// in one word (PackRunSizes), its target and source pixel sizes and pixels per streamed block,
+// all in registers. The LumA rule's pairs pass their whole fused path, whose target run (and
+// source run, for an alpha-bearing source) is twice the count.
+using FForward = void (*)(std::size_t count, void* trg, void const* src) noexcept;
+using FProduce = void (*)(std::size_t first, std::size_t count, void* to, void const* src) noexcept;
+constexpr std::uint64_t PackRunSizes(std::size_t trgPixelBytes, std::size_t srcPixelBytes,
+                                     std::size_t streamPixels) noexcept {
+  return trgPixelBytes | srcPixelBytes << 8 | std::uint64_t{streamPixels} << 16;
+}
+void ConvertRun(unsigned int count, void* trg, void const* src, FForward forward, FProduce produce,
+                std::uint64_t sizes) noexcept;
+void ConvertRunLumA(unsigned int count, void* trg, void const* src, FForward forward, SApart const& apart,
+                    bool srcTwice) noexcept;
 
 // The kernels of the CPU's instruction set, chosen at each call, as policies of the fused path
 // (the tests pass those of each instruction set in turn).
@@ -424,7 +445,10 @@ struct TConvertRun {
   }
   static void Write(TE* t, TE value) noexcept { std::memcpy(t, &value, sizeof value); }
 
-  NU_NOVECTOR_FUNCTION NU_SMALL_FUNCTION static void Forward(std::size_t count, TE* trg, SE const* src) noexcept {
+  NU_NOVECTOR_FUNCTION NU_SMALL_FUNCTION static void Forward(std::size_t count, void* trgBytes,
+                                                             void const* srcBytes) noexcept {
+    auto* const trg = static_cast<TE*>(trgBytes);
+    auto const* const src = static_cast<SE const*>(srcBytes);
     NU_NOVECTOR_LOOP
     for (std::size_t p = 0; p < count; ++p) {
       TE* t = trg + p * TrgStride;
@@ -462,7 +486,6 @@ struct TConvertRun {
   // moves (one sweep).
   static constexpr bool MapsValues =
       sizeof(TE) == sizeof(SE) && sizeof(TE) <= 2 && !SameType && !Identity && !AlphaShift;
-  static constexpr std::size_t SmallRun = 16;
   static constexpr std::size_t ValuesFirstBlock = BlockPixels(SrcStride * sizeof(TE));
   static_assert(TrgStride * sizeof(TE) <= MaxPixelBytes);
 
@@ -532,33 +555,27 @@ struct TConvertRun {
     }
   }
 
+  static constexpr std::size_t StreamPixels = SameType ? MovesStreamBlock(TrgStride * sizeof(TE)) : StreamBlock;
+  template <class Values, class Moves>
+  static SApart ApartKernels() noexcept {
+    return {Identity && SameType ? nullptr : &Produce<Values, Moves>, AlphaShift ? &AlphaPass<Values, Moves> : nullptr,
+            TrgStride * sizeof(TE), SrcStride * sizeof(SE), StreamPixels, &Moves::Streams};
+  }
   template <class Values, class Moves>
   static void Apart(std::size_t count, TE* trg, SE const* src) noexcept {
-    if constexpr (Identity && SameType) {
-      std::memcpy(trg, src, count * TrgStride * sizeof(TE));
-    } else {
-      constexpr std::size_t pixelBytes = TrgStride * sizeof(TE);
-      SApart const apart{&Produce<Values, Moves>, AlphaShift ? &AlphaPass<Values, Moves> : nullptr, pixelBytes,
-                         SrcStride * sizeof(SE),
-                         SameType ? MovesStreamBlock(pixelBytes) : StreamBlock, Moves::Streams()};
-      ConvertApart(count, trg, src, apart);
-    }
+    ConvertApart(count, trg, src, ApartKernels<Values, Moves>());
   }
 
   // Separate runs take the fused, vectorised path of the CPU's instruction set; overlapping
   // runs the plain forward passes.
   __attribute__((noinline)) static void Run(unsigned int count, TE* trg, SE const* src) noexcept {
-    std::size_t const n = count;
-    auto const trgBegin = reinterpret_cast<std::uintptr_t>(trg);
-    auto const srcBegin = reinterpret_cast<std::uintptr_t>(src);
-    std::uintptr_t const trgEnd = trgBegin + (AlphaShift ? 2 * n : n) * TrgStride * sizeof(TE);
-    std::uintptr_t const srcEnd = srcBegin + ((AlphaShift && SrcAlpha >= 0) ? 2 * n : n) * SrcStride * sizeof(SE);
-    // Short runs take the plain passes too (same result): the fused path's buffer and
-    // instruction-set choice cost more than a few pixels.
-    if (n >= SmallRun && (trgEnd <= srcBegin || srcEnd <= trgBegin))
-      Apart<TValuesHere<TE, SE>, TMovesHere>(n, trg, src);
+    using Values = TValuesHere<TE, SE>;
+    if (count < SmallRun) return Forward(count, trg, src);  // the short way for a few pixels
+    if constexpr (AlphaShift)
+      ConvertRunLumA(count, trg, src, &Forward, ApartKernels<Values, TMovesHere>(), SrcAlpha >= 0);
     else
-      Forward(n, trg, src);
+      ConvertRun(count, trg, src, &Forward, Identity && SameType ? nullptr : &Produce<Values, TMovesHere>,
+                 PackRunSizes(TrgStride * sizeof(TE), SrcStride * sizeof(SE), StreamPixels));
   }
 };
 
