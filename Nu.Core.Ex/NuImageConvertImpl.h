@@ -322,9 +322,9 @@ struct TMoves {
   NU_NOCLONE static void Here(std::size_t count, T* trg, T const* src, T fill) noexcept;
 };
 
-// The full pass of one shape between the two byte types or the two 16-bit ones, each value
-// mapped by the rule on its way, in one sweep (AVX-512 with VBMI; between the byte types the
-// mapping is a 256-byte table). Defined and emitted beside TMoves. Only for CPUs with VBMI;
+// The full pass of one shape between two types of one size, each value mapped by the rule on
+// its way, in one sweep (AVX-512 with VBMI; between the byte types the mapping is a 256-byte
+// table, otherwise the rule in the lanes). Defined and emitted beside TMoves. Only for CPUs with VBMI;
 // elsewhere the values and the moves go one after the other through a buffer.
 template <class TE, class SE, class Shape>
 NU_ISA_AVX512_VBMI NU_NOCLONE void MoveMappedAvx512(std::size_t count, TE* trg, SE const* src) noexcept;
@@ -482,10 +482,9 @@ struct TConvertRun {
   // A target with fewer elements than the source and nothing to fill: the layout moves go
   // first, on the source's elements, so that only the elements kept are converted.
   static constexpr bool MovesFirst = !AlphaShift && SrcStride > TrgStride && !(TrgAlpha >= 0 && SrcAlpha < 0);
-  // Between the two byte types, or the two 16-bit ones, a layout change can map each value as it
-  // moves (one sweep).
-  static constexpr bool MapsValues =
-      sizeof(TE) == sizeof(SE) && sizeof(TE) <= 2 && !SameType && !Identity && !AlphaShift;
+  // Between two types of one size (the byte types, the 16-bit ones, Int, UInt and Float), a
+  // layout change can map each value as it moves (one sweep).
+  static constexpr bool MapsValues = sizeof(TE) == sizeof(SE) && !SameType && !Identity && !AlphaShift;
   static constexpr std::size_t ValuesFirstBlock = BlockPixels(SrcStride * sizeof(TE));
   static_assert(TrgStride * sizeof(TE) <= MaxPixelBytes);
 

@@ -93,13 +93,20 @@ NU_LANES_ __m512d LoadLanes(SE const* src, __mmask8 mask) noexcept {
 
 // Truncation toward zero of eight doubles into the target's low bits. A NaN lane becomes the
 // indefinite integer (INT_MIN, or INT64_MIN for UInt), as the rule asks.
+template <class TE>
+NU_LANES_ __m256i TruncateLanes(__m512d c) noexcept {
+  if constexpr (std::is_same_v<TE, unsigned int>)
+    return _mm512_cvtepi64_epi32(_mm512_cvttpd_epi64(c));
+  else
+    return _mm512_cvttpd_epi32(c);
+}
+
 template <class TE, bool Tail>
 NU_LANES_ void StoreLanes(TE* trg, __m512d c, __mmask8 mask) noexcept {
+  __m256i const d = TruncateLanes<TE>(c);
   if constexpr (std::is_same_v<TE, unsigned int>) {
-    __m256i const d = _mm512_cvtepi64_epi32(_mm512_cvttpd_epi64(c));
     Tail ? _mm256_mask_storeu_epi32(trg, mask, d) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), d);
   } else {
-    __m256i const d = _mm512_cvttpd_epi32(c);
     if constexpr (sizeof(TE) == 4) {
       Tail ? _mm256_mask_storeu_epi32(trg, mask, d) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), d);
     } else if constexpr (sizeof(TE) == 2) {
@@ -116,19 +123,25 @@ NU_LANES_ void StoreLanes(TE* trg, __m512d c, __mmask8 mask) noexcept {
 // signed source, a division otherwise), then the target step. x86 min(a, b) is a < b ? a : b
 // and answers b if either is a NaN, so min(L, w) is the rule's "w > L ? L : w" with a NaN
 // passed through, and max(S, c) its "S > c ? S : c".
+template <class SE>
+NU_LANES_ __m512d SourceLanes(__m512d v) noexcept {
+  using Src = TDataTraits<SE>;
+  if constexpr (Src::IsInteger && Src::IsSigned) {
+    __mmask8 const positive = _mm512_cmp_pd_mask(v, _mm512_set1_pd(1.0), _CMP_GE_OQ);
+    return _mm512_mask_div_pd(_mm512_mul_pd(v, _mm512_set1_pd(Src::NegativeScale)), positive, v,
+                              _mm512_set1_pd(Src::Largest));
+  } else if constexpr (Src::IsInteger) {
+    return _mm512_div_pd(v, _mm512_set1_pd(Src::Largest));
+  } else {
+    return v;
+  }
+}
+
 template <class TE, class SE>
 NU_LANES_ __m512d RuleLanes(__m512d v) noexcept {
   using Trg = TDataTraits<TE>;
-  using Src = TDataTraits<SE>;
   __m512d const zero = _mm512_setzero_pd();
-  __m512d d = v;
-  if constexpr (Src::IsInteger && Src::IsSigned) {
-    __mmask8 const positive = _mm512_cmp_pd_mask(v, _mm512_set1_pd(1.0), _CMP_GE_OQ);
-    d = _mm512_mask_div_pd(_mm512_mul_pd(v, _mm512_set1_pd(Src::NegativeScale)), positive, v,
-                           _mm512_set1_pd(Src::Largest));
-  } else if constexpr (Src::IsInteger) {
-    d = _mm512_div_pd(v, _mm512_set1_pd(Src::Largest));
-  }
+  __m512d const d = SourceLanes<SE>(v);
   __m512d w;
   if constexpr (Trg::IsSigned) {
     __mmask8 const positive = _mm512_cmp_pd_mask(d, zero, _CMP_GT_OQ);
@@ -449,6 +462,44 @@ NU_LANES_ void ConvertSingleLanes(TE* trg, float const* src, __mmask16 mask) noe
   t = _mm512_max_ps(_mm512_set1_ps(static_cast<float>(Trg::Smallest)),
                     _mm512_min_ps(_mm512_set1_ps(static_cast<float>(Trg::Largest)), t));
   StoreNarrowed<TE, Tail>(trg, _mm512_cvttps_epi32(t), mask);
+}
+
+// ---- between Int, UInt and Float: sixteen 32-bit lanes in, sixteen out --------------------
+// The register form of the rule for the mapped layout moves. Between the integer types the
+// closed forms of ConvertChannelValue; otherwise the rule in double, eight lanes at a time.
+template <class SE>
+NU_LANES_ __m512d WidenHalf(__m256i half) noexcept {
+  if constexpr (std::is_same_v<SE, int>) return _mm512_cvtepi32_pd(half);
+  else if constexpr (std::is_same_v<SE, unsigned int>) return _mm512_cvtepu32_pd(half);
+  else return _mm512_cvtps_pd(_mm256_castsi256_ps(half));
+}
+
+template <class TE, class SE>
+NU_LANES_ __m256i RuleHalf(__m256i half) noexcept {
+  __m512d const v = WidenHalf<SE>(half);
+  if constexpr (std::is_same_v<TE, float>)
+    return _mm256_castps_si256(_mm512_cvtpd_ps(SourceLanes<SE>(v)));  // rounds to nearest even
+  else
+    return TruncateLanes<TE>(RuleLanes<TE, SE>(v));
+}
+
+template <class TE, class SE>
+NU_LANES_ __m512i Lanes32(__m512i x) noexcept {
+  static_assert(sizeof(TE) == 4 && sizeof(SE) == 4 && !std::is_same_v<TE, SE>);
+  __m512i const zero = _mm512_setzero_si512(), one = _mm512_set1_epi32(1);
+  if constexpr (std::is_same_v<TE, int> && std::is_same_v<SE, unsigned int>) {
+    return _mm512_srli_epi32(_mm512_sub_epi32(x, _mm512_min_epu32(x, one)), 1);
+  } else if constexpr (std::is_same_v<TE, unsigned int> && std::is_same_v<SE, int>) {
+    __mmask16 const high = _mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(0x7FFFFD00));
+    __mmask16 const carry = _mm512_mask_test_epi32_mask(high, x, _mm512_set1_epi32(0x100));
+    __m512i const twice = _mm512_add_epi32(x, x);
+    __m512i const result = _mm512_mask_add_epi32(twice, carry, twice, one);
+    return _mm512_maskz_mov_epi32(_mm512_cmpgt_epi32_mask(x, zero), result);
+  } else {
+    __m256i const low = RuleHalf<TE, SE>(_mm512_castsi512_si256(x));
+    __m256i const high = RuleHalf<TE, SE>(_mm512_extracti64x4_epi64(x, 1));
+    return _mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
+  }
 }
 
 // Eight elements of a Repeat pair.

@@ -6,6 +6,7 @@
 #include <Nu.Core.Ex/NuImageConvertImpl.h>
 #include <Nu.Core.Ex/NuImageConvertValuesImpl.h>
 
+#include <cstring>
 #include <immintrin.h>
 #include <iterator>
 #include <utility>
@@ -148,7 +149,8 @@ inline std::uint64_t BytesBelow(std::size_t at, std::size_t total) noexcept {
 }
 
 // What happens to the moved values before the filled alpha goes in: nothing, or the rule
-// between the two byte types from its table, or between the two 16-bit types in their lanes.
+// between the two byte types from its table, or between two types of 16 or 32 bits in their
+// lanes.
 struct SAsMoved {
   NU_ISA_AVX512_VBMI __attribute__((always_inline)) __m512i operator()(__m512i value) const noexcept {
     return value;
@@ -163,7 +165,10 @@ struct SMappedBytes {
 template <class TE, class SE>
 struct TMappedWords {
   NU_ISA_AVX512_VBMI __attribute__((always_inline)) __m512i operator()(__m512i value) const noexcept {
-    return SmallLanes<TE, SE>(value);
+    if constexpr (sizeof(TE) == 2)
+      return SmallLanes<TE, SE>(value);
+    else
+      return Lanes32<TE, SE>(value);
   }
 };
 
@@ -231,7 +236,9 @@ template <class TE, class SE, class Shape>
 NU_ISA_AVX512_VBMI void MoveMappedAvx512(std::size_t count, TE* trg, SE const* src) noexcept {
   using Bits = typename TBitsOf<sizeof(TE)>::Type;
   static_assert(sizeof(TE) == sizeof(SE) && TPermuteMove<Bits, Shape, EPass::Full>::Tables.Span <= 4 * 64 / sizeof(TE));
-  auto const fill = static_cast<Bits>(TDataTraits<TE>::TargetMaximum);
+  Bits fill;  // the bits of the target's maximum (1.0 for Float)
+  TE const maximum = TDataTraits<TE>::TargetMaximum;
+  std::memcpy(&fill, &maximum, sizeof fill);
   auto* const to = reinterpret_cast<Bits*>(trg);
   auto const* const from = reinterpret_cast<Bits const*>(src);
   if constexpr (sizeof(TE) == 1)
@@ -296,6 +303,11 @@ inline void EmitMovesOf() noexcept {
     using Signed = typename TPixelOf<EPixelType::Lum, bytes ? EDataType::Byte : EDataType::Short>::Element;
     using Unsigned = typename TPixelOf<EPixelType::Lum, bytes ? EDataType::UByte : EDataType::UShort>::Element;
     asm volatile("" : : "r"(&MoveMappedAvx512<Signed, Unsigned, Shape>), "r"(&MoveMappedAvx512<Unsigned, Signed, Shape>));
+  } else if constexpr (sizeof(T) == 4 && !Shape::Identity) {
+    // Int, UInt and Float, each from the other two.
+    asm volatile("" : : "r"(&MoveMappedAvx512<int, unsigned int, Shape>), "r"(&MoveMappedAvx512<unsigned int, int, Shape>),
+                 "r"(&MoveMappedAvx512<float, int, Shape>), "r"(&MoveMappedAvx512<float, unsigned int, Shape>),
+                 "r"(&MoveMappedAvx512<int, float, Shape>), "r"(&MoveMappedAvx512<unsigned int, float, Shape>));
   }
 }
 

@@ -191,6 +191,29 @@ void CheckAllShapes() {
   CheckFusedInto<TD, SD, LumA, RGBA, RGB, BGRA, BGR, Lum, LumA>();
 }
 
+// The whole value sample of the source type (every 8/16-bit value, the special and random
+// wider ones) through a layout change, where the values are mapped as they move.
+template <int TD, int SD>
+void CheckMappedValues() {
+  using TTrg = Nu::TPixelOf<EPixelType::BGR, TD>;
+  using TSrc = Nu::TPixelOf<EPixelType::RGB, SD>;
+  using Kernel = Nu::Detail::TConvertKernel<TTrg, TSrc>;
+  using TE = typename Kernel::TE;
+  using SE = typename Kernel::SE;
+  SCOPED_TRACE(std::string(NuRef::FindDataType(TD)->Name) + " <- " + NuRef::FindDataType(SD)->Name);
+  std::vector<unsigned char> values = NuTest::SourceValues(*NuRef::FindDataType(SD));
+  while (values.size() % sizeof(TSrc) != 0) values.insert(values.end(), values.begin(), values.begin() + sizeof(SE));
+  std::size_t const count = values.size() / sizeof(TSrc);
+  NuTest::SGuarded src(values.size(), sizeof(SE), 0xA5);
+  std::memcpy(src.Run(), values.data(), values.size());
+  NuTest::SGuarded trg(count * sizeof(TTrg), sizeof(TE), 0x5C);
+  NuTest::SGuarded expected = trg;
+  NuRef::ConvertRun(EPixelType::BGR, TD, expected.Run(), EPixelType::RGB, SD, src.Run(), static_cast<unsigned>(count));
+  Kernel::Run::template Apart<TValuesTested<TE, SE>, TMovesTested>(count, reinterpret_cast<TE*>(trg.Run()),
+                                                                   reinterpret_cast<SE const*>(src.Run()));
+  ASSERT_TRUE(trg.Bytes == expected.Bytes);
+}
+
 void CheckIsa(EIsa isa) {
   tested = isa;
   CheckAllValues(TAllData{});
@@ -206,6 +229,19 @@ void CheckIsa(EIsa isa) {
   CheckAllShapes<EDataType::UByte, EDataType::Byte>();
   CheckAllShapes<EDataType::Short, EDataType::UShort>();
   CheckAllShapes<EDataType::UShort, EDataType::Short>();
+  CheckAllShapes<EDataType::Int, EDataType::UInt>();
+  CheckAllShapes<EDataType::UInt, EDataType::Float>();
+  CheckAllShapes<EDataType::Float, EDataType::Int>();
+  CheckMappedValues<EDataType::Byte, EDataType::UByte>();
+  CheckMappedValues<EDataType::UByte, EDataType::Byte>();
+  CheckMappedValues<EDataType::Short, EDataType::UShort>();
+  CheckMappedValues<EDataType::UShort, EDataType::Short>();
+  CheckMappedValues<EDataType::Int, EDataType::UInt>();
+  CheckMappedValues<EDataType::UInt, EDataType::Int>();
+  CheckMappedValues<EDataType::Int, EDataType::Float>();
+  CheckMappedValues<EDataType::UInt, EDataType::Float>();
+  CheckMappedValues<EDataType::Float, EDataType::Int>();
+  CheckMappedValues<EDataType::Float, EDataType::UInt>();
   // Runs across the steps of the values-first road (the moves-first one steps every 256
   // pixels): narrow pixels, the LumA rule's two passes and wide pixels.
   using Nu::TPixelOf;
