@@ -290,6 +290,11 @@ inline void EmitMoves() noexcept {
   asm volatile("" : : "r"(&Moves::Avx512), "r"(&Moves::Avx2), "r"(&Moves::Baseline), "r"(&Moves::Here));
 }
 
+template <class Shape, class TE, class SE>
+inline void EmitMapped() noexcept {
+  if constexpr (MapsAsMoved<TE, SE, Shape>()) asm volatile("" : : "r"(&MoveMappedAvx512<TE, SE, Shape>));
+}
+
 template <int TrgLayout, class T, int SrcLayout>
 inline void EmitMovesOf() noexcept {
   using Shape = TShapeOf<TPixelOf<TrgLayout, EDataType::UByte>, TPixelOf<SrcLayout, EDataType::UByte>>;
@@ -297,17 +302,20 @@ inline void EmitMovesOf() noexcept {
   if constexpr (TrgLayout == EPixelType::LumA) {
     EmitMoves<TMoves<T, Shape, EPass::ColourOnly>>();
     EmitMoves<TMoves<T, Shape, EPass::AlphaOnly>>();
-  } else if constexpr (sizeof(T) <= 2 && !Shape::Identity) {
-    // The signed and unsigned types of this size (a LumA target takes the LumA rule's passes).
-    constexpr bool bytes = sizeof(T) == 1;
-    using Signed = typename TPixelOf<EPixelType::Lum, bytes ? EDataType::Byte : EDataType::Short>::Element;
-    using Unsigned = typename TPixelOf<EPixelType::Lum, bytes ? EDataType::UByte : EDataType::UShort>::Element;
-    asm volatile("" : : "r"(&MoveMappedAvx512<Signed, Unsigned, Shape>), "r"(&MoveMappedAvx512<Unsigned, Signed, Shape>));
-  } else if constexpr (sizeof(T) == 4 && !Shape::Identity) {
-    // Int, UInt and Float, each from the other two.
-    asm volatile("" : : "r"(&MoveMappedAvx512<int, unsigned int, Shape>), "r"(&MoveMappedAvx512<unsigned int, int, Shape>),
-                 "r"(&MoveMappedAvx512<float, int, Shape>), "r"(&MoveMappedAvx512<float, unsigned int, Shape>),
-                 "r"(&MoveMappedAvx512<int, float, Shape>), "r"(&MoveMappedAvx512<unsigned int, float, Shape>));
+  } else if constexpr (sizeof(T) == 1) {
+    // The types of this size, each from the other (a LumA target takes the LumA rule's passes).
+    EmitMapped<Shape, char, unsigned char>();
+    EmitMapped<Shape, unsigned char, char>();
+  } else if constexpr (sizeof(T) == 2) {
+    EmitMapped<Shape, short, unsigned short>();
+    EmitMapped<Shape, unsigned short, short>();
+  } else if constexpr (sizeof(T) == 4) {
+    EmitMapped<Shape, int, unsigned int>();
+    EmitMapped<Shape, unsigned int, int>();
+    EmitMapped<Shape, float, int>();
+    EmitMapped<Shape, float, unsigned int>();
+    EmitMapped<Shape, int, float>();
+    EmitMapped<Shape, unsigned int, float>();
   }
 }
 
