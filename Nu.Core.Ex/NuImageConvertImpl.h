@@ -491,8 +491,13 @@ struct TConvertRun {
   static constexpr bool SameType = std::is_same_v<TE, SE>;
   static constexpr bool Identity = !AlphaShift && Shape::Identity;
   // A target with fewer elements than the source and nothing to fill: the layout moves go
-  // first, on the source's elements, so that only the elements kept are converted.
-  static constexpr bool MovesFirst = !AlphaShift && SrcStride > TrgStride && !(TrgAlpha >= 0 && SrcAlpha < 0);
+  // first, on the source's elements, so that only the elements kept are converted. So do
+  // reorders into a type four or eight times as wide, whose moves on the narrow source
+  // elements cost less than on the wide values (measured: 0.6-0.85 of the time in cache; into a
+  // type twice as wide the gain is mixed).
+  static constexpr bool MovesFirst =
+      !AlphaShift && !(TrgAlpha >= 0 && SrcAlpha < 0) &&
+      (SrcStride > TrgStride || (SrcStride == TrgStride && sizeof(TE) >= 4 * sizeof(SE)));
   // Between two types of one size (the byte types, the 16-bit ones, Int, UInt and Float), a
   // layout change can map each value as it moves (one sweep).
   static constexpr bool MapsValues = !AlphaShift && MapsAsMoved<TE, SE, Shape>();
