@@ -276,6 +276,15 @@ template <> struct TBitsOf<2> { using Type = std::uint16_t; };
 template <> struct TBitsOf<4> { using Type = std::uint32_t; };
 template <> struct TBitsOf<8> { using Type = std::uint64_t; };
 
+// The bits of the target's maximum, the filled alpha (1.0 for Float and Double).
+template <class TE>
+typename TBitsOf<sizeof(TE)>::Type MaximumBits() noexcept {
+  typename TBitsOf<sizeof(TE)>::Type bits;
+  TE const maximum = TDataTraits<TE>::TargetMaximum;
+  std::memcpy(&bits, &maximum, sizeof bits);
+  return bits;
+}
+
 constexpr bool IsWord(std::size_t bytes) noexcept { return bytes == 1 || bytes == 2 || bytes == 4 || bytes == 8; }
 
 // The index map of a layout pair:
@@ -513,19 +522,13 @@ struct TConvertRun {
   // in the library, those that choose the CPU's instruction set at each call.
   // Pixels p .. p + count - 1 into `to`, in the target layout, by the full pass (or the colour
   // pass of the LumA rule, which always takes the values-then-moves road).
-  static Bits Fill() noexcept {
-    Bits fill;
-    TE const maximum = TDataTraits<TE>::TargetMaximum;
-    std::memcpy(&fill, &maximum, sizeof fill);
-    return fill;
-  }
   template <class Values, class Moves>
   static void Produce(std::size_t p, std::size_t count, void* toBytes, void const* srcBytes) noexcept {
     constexpr EPass Pass = AlphaShift ? EPass::ColourOnly : EPass::Full;
     auto* to = static_cast<Bits*>(toBytes);
     auto const* src = static_cast<SE const*>(srcBytes);
     auto const* srcBits = static_cast<Bits const*>(srcBytes);
-    Bits const fill = Fill();
+    Bits const fill = MaximumBits<TE>();
     if constexpr (MapsValues) {
       if (Moves::template MapValues<TE, SE, Shape>(count, reinterpret_cast<TE*>(to), src + p * SrcStride)) return;
     }
@@ -566,15 +569,19 @@ struct TConvertRun {
     for (std::size_t p = count; p < 2 * count; p += Block) {
       std::size_t const n = 2 * count - p < Block ? 2 * count - p : Block;
       if constexpr (SrcAlpha >= 0) Values::Run(n * SrcStride, tmp, src + p * SrcStride);
-      Moves::template Run<Bits, Shape, EPass::AlphaOnly>(n, trg + p * TrgStride, tmpBits, Fill());
+      Moves::template Run<Bits, Shape, EPass::AlphaOnly>(n, trg + p * TrgStride, tmpBits, MaximumBits<TE>());
     }
   }
 
-  static constexpr std::size_t StreamPixels = SameType ? MovesStreamBlock(TrgStride * sizeof(TE)) : StreamBlock;
+  static constexpr std::size_t TrgPixelBytes = TrgStride * sizeof(TE), SrcPixelBytes = SrcStride * sizeof(SE);
+  static constexpr std::size_t StreamPixels = SameType ? MovesStreamBlock(TrgPixelBytes) : StreamBlock;
+  // The block producer; none for a plain copy.
+  template <class Values, class Moves>
+  static constexpr FProduce Producer = Identity && SameType ? nullptr : &Produce<Values, Moves>;
   template <class Values, class Moves>
   static SApart ApartKernels() noexcept {
-    return {Identity && SameType ? nullptr : &Produce<Values, Moves>, AlphaShift ? &AlphaPass<Values, Moves> : nullptr,
-            TrgStride * sizeof(TE), SrcStride * sizeof(SE), StreamPixels, &Moves::Streams};
+    return {Producer<Values, Moves>, AlphaShift ? &AlphaPass<Values, Moves> : nullptr, TrgPixelBytes, SrcPixelBytes,
+            StreamPixels, &Moves::Streams};
   }
   template <class Values, class Moves>
   static void Apart(std::size_t count, TE* trg, SE const* src) noexcept {
@@ -589,8 +596,8 @@ struct TConvertRun {
     if constexpr (AlphaShift)
       ConvertRunLumA(count, trg, src, &Forward, ApartKernels<Values, TMovesHere>(), SrcAlpha >= 0);
     else
-      ConvertRun(count, trg, src, &Forward, Identity && SameType ? nullptr : &Produce<Values, TMovesHere>,
-                 PackRunSizes(TrgStride * sizeof(TE), SrcStride * sizeof(SE), StreamPixels));
+      ConvertRun(count, trg, src, &Forward, Producer<Values, TMovesHere>,
+                 PackRunSizes(TrgPixelBytes, SrcPixelBytes, StreamPixels));
   }
 };
 

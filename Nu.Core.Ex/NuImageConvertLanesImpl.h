@@ -104,18 +104,14 @@ NU_LANES_ __m256i TruncateLanes(__m512d c) noexcept {
 template <class TE, bool Tail>
 NU_LANES_ void StoreLanes(TE* trg, __m512d c, __mmask8 mask) noexcept {
   __m256i const d = TruncateLanes<TE>(c);
-  if constexpr (std::is_same_v<TE, unsigned int>) {
+  if constexpr (sizeof(TE) == 4) {
     Tail ? _mm256_mask_storeu_epi32(trg, mask, d) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), d);
+  } else if constexpr (sizeof(TE) == 2) {
+    __m128i const w = _mm256_cvtepi32_epi16(d);
+    Tail ? _mm_mask_storeu_epi16(trg, mask, w) : _mm_storeu_si128(reinterpret_cast<__m128i*>(trg), w);
   } else {
-    if constexpr (sizeof(TE) == 4) {
-      Tail ? _mm256_mask_storeu_epi32(trg, mask, d) : _mm256_storeu_si256(reinterpret_cast<__m256i*>(trg), d);
-    } else if constexpr (sizeof(TE) == 2) {
-      __m128i const w = _mm256_cvtepi32_epi16(d);
-      Tail ? _mm_mask_storeu_epi16(trg, mask, w) : _mm_storeu_si128(reinterpret_cast<__m128i*>(trg), w);
-    } else {
-      __m128i const b = _mm256_cvtepi32_epi8(d);
-      Tail ? _mm_mask_storeu_epi8(trg, mask, b) : _mm_storel_epi64(reinterpret_cast<__m128i*>(trg), b);
-    }
+    __m128i const b = _mm256_cvtepi32_epi8(d);
+    Tail ? _mm_mask_storeu_epi8(trg, mask, b) : _mm_storel_epi64(reinterpret_cast<__m128i*>(trg), b);
   }
 }
 

@@ -6,7 +6,6 @@
 #include <Nu.Core.Ex/NuImageConvertImpl.h>
 #include <Nu.Core.Ex/NuImageConvertValuesImpl.h>
 
-#include <cstring>
 #include <immintrin.h>
 #include <iterator>
 #include <utility>
@@ -236,9 +235,7 @@ template <class TE, class SE, class Shape>
 NU_ISA_AVX512_VBMI void MoveMappedAvx512(std::size_t count, TE* trg, SE const* src) noexcept {
   using Bits = typename TBitsOf<sizeof(TE)>::Type;
   static_assert(sizeof(TE) == sizeof(SE) && TPermuteMove<Bits, Shape, EPass::Full>::Tables.Span <= 4 * 64 / sizeof(TE));
-  Bits fill;  // the bits of the target's maximum (1.0 for Float)
-  TE const maximum = TDataTraits<TE>::TargetMaximum;
-  std::memcpy(&fill, &maximum, sizeof fill);
+  Bits const fill = MaximumBits<TE>();
   auto* const to = reinterpret_cast<Bits*>(trg);
   auto const* const from = reinterpret_cast<Bits const*>(src);
   if constexpr (sizeof(TE) == 1)
