@@ -2,7 +2,7 @@
 // The loops themselves are the exported instantiations of the generated units; this unit sees
 // only their declarations and links against them.
 #include <Nu.Core.Ex/NuImage.h>
-#include <Nu.Core.Ex/NuImageConvertIsaImpl.h>
+#include <Nu.Core.Ex/Convert/Level.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -26,36 +26,37 @@ inline std::uint16_t WidenWord(std::uint16_t word, float divisor) noexcept {
   return static_cast<std::uint16_t>(static_cast<std::int32_t>(value));
 }
 
-// The widening loop per instruction set, for separate runs and for a run onto itself (each
-// word read before it is written, so a vector gives the same result as word by word).
-#define NU_WIDEN_ISA_(ISA, ATTR)                                                                     \
-  ATTR NU_NOCLONE void WidenApart##ISA(std::size_t n, std::uint16_t* __restrict out,                 \
-                                       std::uint16_t const* __restrict words, float divisor) noexcept { \
-    for (std::size_t i = 0; i < n; ++i) out[i] = WidenWord(words[i], divisor);                       \
-  }                                                                                                  \
-  ATTR NU_NOCLONE void WidenInPlace##ISA(std::size_t n, std::uint16_t* words, float divisor) noexcept { \
-    for (std::size_t i = 0; i < n; ++i) words[i] = WidenWord(words[i], divisor);                    \
+// The widening loop, compiled per level: separate runs, and a run onto itself (each word read
+// before it is written, so a vector gives the same result as word by word).
+struct SWidenApart {
+  __attribute__((always_inline)) static void Body(std::size_t n, std::uint16_t* __restrict out,
+                                                  std::uint16_t const* __restrict words, float divisor) noexcept {
+    for (std::size_t i = 0; i < n; ++i) out[i] = WidenWord(words[i], divisor);
   }
-NU_WIDEN_ISA_(Avx512, NU_ISA_AVX512)
-NU_WIDEN_ISA_(Avx2, NU_ISA_AVX2)
-NU_WIDEN_ISA_(Baseline, NU_ISA_BASELINE)
-#undef NU_WIDEN_ISA_
+};
+struct SWidenInPlace {
+  __attribute__((always_inline)) static void Body(std::size_t n, std::uint16_t* words, std::uint16_t const*,
+                                                  float divisor) noexcept {
+    for (std::size_t i = 0; i < n; ++i) words[i] = WidenWord(words[i], divisor);
+  }
+};
+
+template <class TBody>
+void WidenAt(Detail::ELevel level, std::size_t n, std::uint16_t* out, std::uint16_t const* words, float divisor) noexcept {
+  switch (level) {
+#define NU_WIDEN_AT_(L) \
+  case Detail::ELevel::L: return Detail::TAt<Detail::ELevel::L>::Run<TBody>(n, out, words, divisor);
+    NU_LEVELS(NU_WIDEN_AT_)
+#undef NU_WIDEN_AT_
+  }
+}
 
 void Widen(std::size_t n, std::uint16_t* out, std::uint16_t const* words, float divisor) noexcept {
   auto const outBegin = reinterpret_cast<std::uintptr_t>(out);
   auto const wordsBegin = reinterpret_cast<std::uintptr_t>(words);
-  Detail::EIsa const isa = Detail::CurrentIsa();
-  if (out == words) {
-    auto* data = out;
-    if (isa == Detail::EIsa::Avx512) return WidenInPlaceAvx512(n, data, divisor);
-    if (isa == Detail::EIsa::Avx2) return WidenInPlaceAvx2(n, data, divisor);
-    return WidenInPlaceBaseline(n, data, divisor);
-  }
-  if (outBegin + 2 * n <= wordsBegin || wordsBegin + 2 * n <= outBegin) {
-    if (isa == Detail::EIsa::Avx512) return WidenApartAvx512(n, out, words, divisor);
-    if (isa == Detail::EIsa::Avx2) return WidenApartAvx2(n, out, words, divisor);
-    return WidenApartBaseline(n, out, words, divisor);
-  }
+  if (out == words) return WidenAt<SWidenInPlace>(Detail::DetectLevel(), n, out, words, divisor);
+  if (outBegin + 2 * n <= wordsBegin || wordsBegin + 2 * n <= outBegin)
+    return WidenAt<SWidenApart>(Detail::DetectLevel(), n, out, words, divisor);
   // Runs that overlap at an offset: word by word in ascending order.
   for (std::size_t i = 0; i < n; ++i) out[i] = WidenWord(words[i], divisor);
 }

@@ -13,14 +13,14 @@
 
 namespace NuTest {
 
-// A run inside a larger block: guard bytes before and after, and a start one element past a
-// 64-byte boundary, so that the run is only element-aligned.
+// A run inside a larger block: guard bytes before and after, and a start `shift` elements past
+// the guard, so that the run may be only element-aligned.
 struct SGuarded {
   static constexpr std::size_t Guard = 64;
   std::vector<unsigned char> Bytes;
   std::size_t Offset;
-  SGuarded(std::size_t payload, std::size_t elementSize, unsigned char fill)
-      : Bytes(Guard + elementSize + payload + Guard, fill), Offset(Guard + elementSize) {}
+  SGuarded(std::size_t payload, std::size_t elementSize, unsigned char fill, std::size_t shift = 1)
+      : Bytes(Guard + shift * elementSize + payload + Guard, fill), Offset(Guard + shift * elementSize) {}
   unsigned char* Run() { return Bytes.data() + Offset; }
 };
 
@@ -70,7 +70,7 @@ inline std::vector<unsigned char> SourceValues(NuRef::SDataRow const& row) {
                              2147483649LL, 4294967294LL, 4294967295LL})
         for (std::int64_t s : {k, -k}) add(static_cast<std::uint32_t>(s));
       // Every multiple of the closed forms' divisors and its neighbours: the only places where
-      // x / 16843009 and x / 65537 could differ from the double rule (NuImageConvertImpl.h).
+      // x / 16843009 and x / 65537 could differ from the double rule (Convert/ValueRule.h).
       for (std::uint64_t k = 0; k < 65536; ++k)
         for (std::int64_t d : {-1, 0, 1}) add(static_cast<std::uint32_t>(k * 65537u + static_cast<std::uint64_t>(d)));
       for (std::uint64_t k = 0; k < 256; ++k)

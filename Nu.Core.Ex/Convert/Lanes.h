@@ -1,17 +1,15 @@
 #pragma once
-// Private to the library: the AVX-512 value kernels of the pairs whose target is an integer
-// type, and of Double from the byte types, written with intrinsics because the compiler's own
-// vectorisation of the value rule's selects, NaN test and division is several times slower
-// than memory there. Included by NuImageConvertValuesImpl.h (and the tests of the
-// instruction-set paths) only.
+// The AVX-512 value kernels that the plans name (EValueKernel other than Loop), written with
+// intrinsics because the compiler's own vectorisation of the value rule's selects, NaN test and
+// division is several times slower than memory there. Included by Convert/Values.h only.
 //
 // Every source value, of any type, is an exact double, so eight elements are carried in the
 // lanes of one register through the rule's own double arithmetic (no FMA, no reciprocal where
 // the rule divides) and truncated by the processor's conversion, whose answer for a NaN and
 // for nothing else is the indefinite integer: its low bits are the rule's NaN results. The
-// integer pairs whose results have integer forms (ConvertChannelValue) take those forms in
+// integer pairs whose results have integer forms (Convert/ValueRule.h) take those forms in
 // integer lanes instead, twice or four times as many per register.
-#include <Nu.Core.Ex/NuImageConvertImpl.h>
+#include <Nu.Core.Ex/Convert/Plan.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -26,17 +24,13 @@
 
 namespace Nu::Detail {
 
-// How the lanes compute a pair; None keeps the plain loop (Float targets, Double targets from
-// wider sources, equal types and the closed integer forms, which vectorise well as they are).
-enum class ELaneForm { None, Rule, Halve, Widen, Narrow, Small, Single, Repeat };
-
 // Double from the byte types, by the repeated bits: x / (2^k - 1) is x 2^-k (1 + 2^-k + 2^-2k
 // + ...), x's bits repeated every k places, so x times the repeated ones (x * 0x0101010101010101
 // over 255) holds the quotient's leading 57 bits or more exactly, and what it drops lies below
 // its last bit. Converting that integer rounds as the division does unless it sits on a tie, and
 // no source value does: the tests compare every one. The negative side, x 2^-k, is exact anyway.
 // (16-bit sources leave too few bits for a double; into Float the 16 lanes of single-precision
-// division measured faster.)
+// division is cheaper.)
 template <class SE>
 struct TRepeat;
 template <>
@@ -50,27 +44,7 @@ struct TRepeat<char> {
   static constexpr double Scale = 0x1p-63;
 };
 
-template <class TE, class SE>
-constexpr ELaneForm LaneFormOf() {
-  using Trg = TDataTraits<TE>;
-  using Src = TDataTraits<SE>;
-  constexpr bool closed = ((std::is_same_v<SE, unsigned char> || std::is_same_v<SE, unsigned short> ||
-                            std::is_same_v<SE, unsigned int>) &&
-                           (std::is_same_v<TE, unsigned char> || std::is_same_v<TE, unsigned short> ||
-                            std::is_same_v<TE, unsigned int>)) ||
-                          (std::is_same_v<SE, int> && std::is_same_v<TE, unsigned int>) ||
-                          (std::is_same_v<SE, unsigned int> && std::is_same_v<TE, int>);
-  if constexpr (std::is_same_v<TE, int> && (std::is_same_v<SE, unsigned char> || std::is_same_v<SE, unsigned short>))
-    return ELaneForm::Halve;
-  else if constexpr (IsWideNarrowPair<TE, SE>()) return sizeof(TE) == 4 ? ELaneForm::Widen : ELaneForm::Narrow;
-  else if constexpr (std::is_same_v<TE, double> && Src::IsInteger && sizeof(SE) == 1) return ELaneForm::Repeat;
-  else if constexpr (std::is_same_v<SE, float> && Trg::IsInteger && sizeof(TE) <= 2) return ELaneForm::Single;
-  else if constexpr (!Trg::IsInteger || std::is_same_v<TE, SE> || closed) return ELaneForm::None;
-  else if constexpr (Src::IsInteger && sizeof(SE) <= 2 && sizeof(TE) <= 2) return ELaneForm::Small;
-  else return ELaneForm::Rule;
-}
-
-#define NU_LANES_ NU_ISA_AVX512 __attribute__((always_inline)) inline
+#define NU_LANES_ NU_TARGET_Avx512 __attribute__((always_inline)) inline
 
 // Eight source elements as exact doubles; the tail reads only the masked elements.
 template <class SE, bool Tail>
@@ -150,11 +124,11 @@ NU_LANES_ __m512d RuleLanes(__m512d v) noexcept {
 }
 
 template <class TE, class SE, bool Tail>
-NU_LANES_ void ConvertLanes(TE* trg, SE const* src, __mmask8 mask) noexcept {
+NU_LANES_ void ConvertRuleLanes(TE* trg, SE const* src, __mmask8 mask) noexcept {
   StoreLanes<TE, Tail>(trg, RuleLanes<TE, SE>(LoadLanes<SE, Tail>(src, mask)), mask);
 }
 
-// ---- the 8- and 16-bit integer pairs: the integer forms of ConvertChannelValue in 16-bit lanes
+// ---- the Small form: the 8- and 16-bit integer pairs in 16-bit lanes ------------------------
 
 // The quotient by a constant D of every x in 0 .. Max as a high multiplication, x * M >> (16 + s)
 // with M below 2^16; the pair is found and checked for every x of the domain at compile time.
@@ -257,9 +231,9 @@ NU_LANES_ void ConvertSmallLanes(TE* trg, SE const* src, __mmask32 mask) noexcep
   }
 }
 
-// ---- 32-bit integers against the 8- and 16-bit ones, in integer lanes ---------------------
+// ---- the Scaled form: 32-bit integers against the 8- and 16-bit ones, in integer lanes ------
 // The rule's result for a positive x is floor(x * Lt / Ls) (RationalScale), zero and below as
-// the integer forms of ConvertChannelValue.
+// WithIntegerNegatives.
 
 // Widening: Lt = a * Ls + b makes the floor a * x + floor(b * x / Ls), the sum below 2^32.
 // WidenLanes takes 16 elements x and their second terms in 32-bit lanes.
@@ -314,9 +288,8 @@ NU_LANES_ void StoreNarrowed(TE* trg, __m512i d, __mmask16 mask) noexcept {
   }
 }
 
-// Int from UByte and UShort, 16 elements: Ls divides 2^32 - 1, so u = x (2^32 - 1) / Ls is an
-// integer (the closed form into UInt), and x (2^31 - 1) / Ls = u / 2 - d with 0 < d <= 1/2 for
-// a positive x: its floor is (u - 1) >> 1 whether u is even or odd, and 0 for x = 0.
+// The Halve form (Int from UByte and UShort), 16 elements: (max(u, 1) - 1) >> 1 of u, the
+// source's Multiple form into UInt.
 template <class SE, bool Tail>
 NU_LANES_ void ConvertHalveLanes(int* trg, SE const* src, __mmask16 mask) noexcept {
   __m512i x;
@@ -382,12 +355,12 @@ struct SByteRegisters {
   __m512i T0, T1, T2, T3;
 };
 template <class TEntry>
-NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline SByteRegisters LoadByteTable() noexcept {
+NU_TARGET_Avx512Vbmi __attribute__((always_inline)) inline SByteRegisters LoadByteTable() noexcept {
   unsigned char const* values = TByteTable<TEntry>::Values.Value;
   return {_mm512_load_si512(values), _mm512_load_si512(values + 64), _mm512_load_si512(values + 128),
           _mm512_load_si512(values + 192)};
 }
-NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline __m512i LookUpBytes(__m512i x,
+NU_TARGET_Avx512Vbmi __attribute__((always_inline)) inline __m512i LookUpBytes(__m512i x,
                                                                              SByteRegisters const& t) noexcept {
   return _mm512_mask_blend_epi8(_mm512_movepi8_mask(x), _mm512_permutex2var_epi8(t.T0, x, t.T1),
                                 _mm512_permutex2var_epi8(t.T2, x, t.T3));
@@ -409,7 +382,7 @@ NU_LANES_ void WidenQuarter(TE* trg, __m512i x, __m512i part, __mmask64 mask) no
 }
 
 template <class TE, class SE, bool Tail>
-NU_ISA_AVX512_VBMI __attribute__((always_inline)) inline void WidenBytes(TE* trg, SE const* src, __mmask64 mask,
+NU_TARGET_Avx512Vbmi __attribute__((always_inline)) inline void WidenBytes(TE* trg, SE const* src, __mmask64 mask,
                                                                          SByteRegisters const& table) noexcept {
   __m512i const x = Tail ? _mm512_maskz_loadu_epi8(mask, src) : _mm512_loadu_si512(src);
   __m512i const part = LookUpBytes(x, table);
@@ -431,11 +404,30 @@ struct TWidenPart {
 };
 
 template <class TE, class SE>
-NU_ISA_AVX512_VBMI NU_NOCLONE void ConvertWidenBytesAvx512(std::size_t n, TE* trg, SE const* src) noexcept {
+NU_TARGET_Avx512Vbmi NU_NOCLONE void ConvertWidenBytes(std::size_t n, TE* trg, SE const* src) noexcept {
   SByteRegisters const table = LoadByteTable<TWidenPart<TE, SE>>();
   std::size_t i = 0;
   for (; i + 64 <= n; i += 64) WidenBytes<TE, SE, false>(trg + i, src + i, ~__mmask64{0}, table);
   if (i < n) WidenBytes<TE, SE, true>(trg + i, src + i, (std::uint64_t{1} << (n - i)) - 1, table);
+}
+
+// Between the two byte types every value is one of 256: a table of the rule's results.
+template <class TE, class SE>
+struct TRuleBytes {
+  static constexpr unsigned char Of(unsigned int b) noexcept {
+    return static_cast<unsigned char>(ConvertChannelValue<TE, SE>(static_cast<SE>(b)));
+  }
+};
+
+template <class TE, class SE>
+NU_TARGET_Avx512Vbmi NU_NOCLONE void ConvertBytes(std::size_t n, TE* trg, SE const* src) noexcept {
+  SByteRegisters const table = LoadByteTable<TRuleBytes<TE, SE>>();
+  std::size_t i = 0;
+  for (; i + 64 <= n; i += 64) _mm512_storeu_si512(trg + i, LookUpBytes(_mm512_loadu_si512(src + i), table));
+  if (i < n) {
+    __mmask64 const mask = (std::uint64_t{1} << (n - i)) - 1;
+    _mm512_mask_storeu_epi8(trg + i, mask, LookUpBytes(_mm512_maskz_loadu_epi8(mask, src + i), table));
+  }
 }
 
 // ---- Float into the 8- and 16-bit integer types, sixteen lanes of single precision ---------
@@ -512,30 +504,32 @@ NU_LANES_ void ConvertRepeatLanes(double* trg, SE const* src, __mmask8 mask) noe
   Tail ? _mm512_mask_storeu_pd(trg, mask, v) : _mm512_storeu_pd(trg, v);
 }
 
-template <class TE, class SE>
-NU_LANES_ void ConvertValuesLanesAvx512(std::size_t n, TE* trg, SE const* src) noexcept {
+// n elements by the lanes of kernel K; the tail through the same arithmetic, masked.
+template <EValueKernel K, class TE, class SE>
+NU_TARGET_Avx512 NU_NOCLONE void ConvertLanes(std::size_t n, TE* trg, SE const* src) noexcept {
   std::size_t i = 0;
-  if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Single) {
+  if constexpr (K == EValueKernel::Single) {
     for (; i + 16 <= n; i += 16) ConvertSingleLanes<TE, false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertSingleLanes<TE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
-  } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Repeat) {
+  } else if constexpr (K == EValueKernel::Repeat) {
     for (; i + 8 <= n; i += 8) ConvertRepeatLanes<SE, false>(trg + i, src + i, 0xFF);
     if (i < n) ConvertRepeatLanes<SE, true>(trg + i, src + i, static_cast<__mmask8>((1u << (n - i)) - 1));
-  } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Small) {
+  } else if constexpr (K == EValueKernel::Small) {
     for (; i + 32 <= n; i += 32) ConvertSmallLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
     if (i < n) ConvertSmallLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));
-  } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Halve) {
+  } else if constexpr (K == EValueKernel::Halve) {
     for (; i + 16 <= n; i += 16) ConvertHalveLanes<SE, false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertHalveLanes<SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
-  } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Widen) {
+  } else if constexpr (K == EValueKernel::Widen) {
     for (; i + 32 <= n; i += 32) ConvertWidenLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
     if (i < n) ConvertWidenLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));
-  } else if constexpr (LaneFormOf<TE, SE>() == ELaneForm::Narrow) {
+  } else if constexpr (K == EValueKernel::Narrow) {
     for (; i + 16 <= n; i += 16) ConvertNarrowLanes<TE, SE, false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertNarrowLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
   } else {
-    for (; i + 8 <= n; i += 8) ConvertLanes<TE, SE, false>(trg + i, src + i, 0xFF);
-    if (i < n) ConvertLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask8>((1u << (n - i)) - 1));
+    static_assert(K == EValueKernel::Rule);
+    for (; i + 8 <= n; i += 8) ConvertRuleLanes<TE, SE, false>(trg + i, src + i, 0xFF);
+    if (i < n) ConvertRuleLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask8>((1u << (n - i)) - 1));
   }
 }
 

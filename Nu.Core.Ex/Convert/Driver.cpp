@@ -1,0 +1,90 @@
+// The driver of a run, shared by every pair: only the pairs' producers are compiled per pair.
+// Linked into the library and into the tests of the levels with the generated kernel units.
+#include <Nu.Core.Ex/Convert/Kernels.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <immintrin.h>
+
+namespace Nu::Detail {
+namespace {
+
+// Whole 64-byte lines go out with non-temporal stores; the tail, under a line, with plain ones.
+// No masked store: one between the streaming stores costs more than the streaming saves.
+NU_TARGET_Avx512 void StreamCopy(char* trg, unsigned char const* src, std::size_t bytes) noexcept {
+  std::size_t i = 0;
+  for (; i + 64 <= bytes; i += 64)
+    _mm512_stream_si512(reinterpret_cast<__m512i*>(trg + i), _mm512_loadu_si512(src + i));
+  std::memcpy(trg + i, src + i, bytes - i);
+}
+
+// Runs that do not overlap, of at least FusedFrom pixels, in the order of the plan.
+void ConvertApart(ELevel level, std::size_t count, void* trg, void const* src, SPairRun const& pair,
+                  SRunKey const& key) noexcept {
+  EOrder const order = key.Order[static_cast<std::size_t>(level)];
+  std::size_t const pixelBytes = key.TrgPixelBytes;
+  if (order == EOrder::Copy) {
+    std::memcpy(trg, src, count * pixelBytes);
+    return;
+  }
+  SRunPlan const plan = RunPlanOf(order, key.TrgPixelBytes, key.SrcPixelBytes, level);
+  bool const large = plan.StreamFrom != 0 && count * pixelBytes >= plan.StreamFrom;
+  std::size_t first = 0;  // pixels before the first target line (64: no pixel starts one)
+  auto const offset = static_cast<std::size_t>(reinterpret_cast<std::uintptr_t>(trg) & 63);
+  while (large && first < 64 && (offset + first * pixelBytes) % 64 != 0) ++first;
+  if (large && first < 64) {
+    // Blocks of whole lines go through a buffer and on to memory past the caches.
+    pair.Produce(level, 0, first, trg, src);
+    alignas(64) unsigned char out[StreamBlock * MaxPixelBytes];
+    std::size_t const block = plan.StreamPixels;
+    for (std::size_t p = first; p < count; p += block) {
+      std::size_t const n = count - p < block ? count - p : block;
+      pair.Produce(level, p, n, out, src);
+      StreamCopy(static_cast<char*>(trg) + p * pixelBytes, out, n * pixelBytes);
+    }
+    _mm_sfence();
+  } else if (std::size_t const srcBytes = count * key.SrcPixelBytes; plan.FetchFrom != 0 && srcBytes >= plan.FetchFrom) {
+    // Short steps, each after a request for the source lines a few steps ahead.
+    auto const* source = static_cast<char const*>(src);
+    std::size_t fetched = 0;
+    for (std::size_t p = 0; p < count; p += plan.FetchPixels) {
+      std::size_t const n = count - p < plan.FetchPixels ? count - p : plan.FetchPixels;
+      std::size_t const ahead = std::min(srcBytes, (p + n) * key.SrcPixelBytes + plan.FetchAhead);
+      for (; fetched < ahead; fetched += 64) _mm_prefetch(source + fetched, _MM_HINT_T0);
+      pair.Produce(level, p, n, static_cast<char*>(trg) + p * pixelBytes, src);
+    }
+    if (order == EOrder::LumAShift) pair.AlphaPass(level, count, trg, src);
+  } else {
+    pair.Produce(level, 0, count, trg, src);
+    if (order == EOrder::LumAShift) pair.AlphaPass(level, count, trg, src);
+  }
+}
+
+}  // namespace
+
+void ConvertRunAt(ELevel level, unsigned int count, void* trg, void const* src, SPairRun const& pair) noexcept {
+  SRunKey const key = UnpackRunKey(pair.Key);
+  std::size_t const n = count;
+  // The LumA rule writes a second run of target pixels, and reads one of an alpha-bearing source.
+  bool const trgTwice = key.Order[0] == EOrder::LumAShift;
+  auto const trgBegin = reinterpret_cast<std::uintptr_t>(trg);
+  auto const srcBegin = reinterpret_cast<std::uintptr_t>(src);
+  std::uintptr_t const trgEnd = trgBegin + (trgTwice ? 2 * n : n) * key.TrgPixelBytes;
+  std::uintptr_t const srcEnd = srcBegin + (key.SourceTwice ? 2 * n : n) * key.SrcPixelBytes;
+  if (n >= FusedFrom && (trgEnd <= srcBegin || srcEnd <= trgBegin))
+    ConvertApart(level, n, trg, src, pair, key);
+  else
+    pair.Forward(n, trg, src);
+}
+
+void ConvertRun(unsigned int count, void* trg, void const* src, FForward forward, FProduce produce,
+                std::uint64_t key) noexcept {
+  ConvertRunAt(DetectLevel(), count, trg, src, {forward, produce, nullptr, key});
+}
+
+void ConvertRunLumA(unsigned int count, void* trg, void const* src, SPairRun const& pair) noexcept {
+  ConvertRunAt(DetectLevel(), count, trg, src, pair);
+}
+
+}  // namespace Nu::Detail
