@@ -10,6 +10,10 @@
 //                                            --list prints every pair's ratio too, --match keeps
 //                                            the pairs whose name ("LumA/UByte <- Lum/Byte")
 //                                            contains TEXT
+//   NuConvertBench --plan [--quick] [--match TEXT]
+//                                            the same, listing each pair's ratio beside the plan
+//                                            this CPU's level gives it (Convert/Plan.h)
+#include <Nu.Core.Ex/Convert/PlanText.h>
 #include <Nu.Core.Ex/NuCoreEx.h>
 
 #include <benchmark/benchmark.h>
@@ -164,7 +168,8 @@ struct SResult {
   std::string Pair;
 };
 
-int AllPairs(bool quick, bool list, std::string const& match) {
+int AllPairs(bool quick, bool list, bool plan, std::string const& match) {
+  Nu::Detail::ELevel const level = Nu::Detail::DetectLevel();
   for (auto [width, height] : {std::pair{640, 480}, std::pair{3840, 2160}}) {
     std::size_t const pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     // Room for the largest format (RGBA of Double) and for the LumA rule's second run.
@@ -185,6 +190,7 @@ int AllPairs(bool quick, bool list, std::string const& match) {
           continue;
         std::string name = std::string(t.Name) + " <- " + s.Name;
         if (name.find(match) == std::string::npos) continue;
+        if (plan) name = Nu::Detail::PlanLine(t.Pixel, t.Data, s.Pixel, s.Data, level);
         CNuImageFormat const trgFormat(width, height, t.Pixel, t.Data);
         std::size_t const traffic = (static_cast<std::size_t>(srcFormat.GetByteCount()) + trgFormat.GetByteCount()) / 2;
         CNuImage::ConvertMemory(trg.data(), src.data(), trgFormat, srcFormat);  // warm
@@ -219,16 +225,18 @@ int AllPairs(bool quick, bool list, std::string const& match) {
 
 int main(int argc, char** argv) {
   for (int i = 1; i < argc; ++i)
-    if (std::string(argv[i]) == "--all-pairs") {
+    if (std::string(argv[i]) == "--all-pairs" || std::string(argv[i]) == "--plan") {
       bool quick = false;
       bool list = false;
+      bool plan = false;
       std::string match;
       for (int j = 1; j < argc; ++j) {
         quick = quick || std::string(argv[j]) == "--quick";
         list = list || std::string(argv[j]) == "--list";
+        plan = plan || std::string(argv[j]) == "--plan";
         if (std::string(argv[j]) == "--match" && j + 1 < argc) match = argv[++j];
       }
-      return AllPairs(quick, list, match);
+      return AllPairs(quick, list || plan, plan, match);
     }
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;

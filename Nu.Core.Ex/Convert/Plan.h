@@ -58,6 +58,7 @@ struct SShape {
            (TrgAlpha < 0 || TrgAlpha == SrcAlpha);
   }
   constexpr bool FillsAlpha() const noexcept { return TrgAlpha >= 0 && SrcAlpha < 0; }
+  friend constexpr bool operator==(SShape const&, SShape const&) noexcept = default;
 };
 
 constexpr SShape ShapeOf(SLayout trg, SLayout src) noexcept {
@@ -75,6 +76,7 @@ struct SPairKey {
   int TrgData, SrcData;
   SShape Shape;
   bool LumAShift;
+  friend constexpr bool operator==(SPairKey const&, SPairKey const&) noexcept = default;
 };
 constexpr SPairKey PairKeyOf(int trgPixel, int trgData, int srcPixel, int srcData) noexcept {
   return {trgData, srcData, ShapeOf(LayoutOf(trgPixel), LayoutOf(srcPixel)),
