@@ -73,7 +73,7 @@ struct TPair {
   // written once from a value that no write changes), in the order of the plan. Pixels p .. p +
   // count - 1 into `to`, in the target layout (the LumA rule: its colour pass).
   template <EOrder Order, std::size_t Block>
-  static void ProduceAs(ELevel level, std::size_t p, std::size_t count, void* toBytes, void const* srcBytes) noexcept {
+  __attribute__((always_inline)) static void ProduceAs(ELevel level, std::size_t p, std::size_t count, void* toBytes, void const* srcBytes) noexcept {
     auto* to = static_cast<Bits*>(toBytes);
     auto const* src = static_cast<SE const*>(srcBytes) + p * SrcStride;
     if constexpr (Order == EOrder::Mapped) {
@@ -112,13 +112,20 @@ struct TPair {
   }
   static constexpr bool OneOrder = SamePlanAtEveryLevel(std::make_index_sequence<LevelCount>{});
 
+  // Where the levels differ, each order once, and the levels that share it jump to it.
+  template <EOrder Order, std::size_t Block>
+  __attribute__((noinline)) static void ProduceApart(ELevel level, std::size_t p, std::size_t count, void* to,
+                                                     void const* src) noexcept {
+    ProduceAs<Order, Block>(level, p, count, to, src);
+  }
+
   static void Produce(ELevel level, std::size_t p, std::size_t count, void* to, void const* src) noexcept {
     if constexpr (OneOrder) {
       ProduceAs<PlanAt<ELevel::Baseline>.Order, PlanAt<ELevel::Baseline>.Block>(level, p, count, to, src);
     } else {
       switch (level) {
 #define NU_PRODUCE_AT_(L) \
-  case ELevel::L: return ProduceAs<PlanAt<ELevel::L>.Order, PlanAt<ELevel::L>.Block>(level, p, count, to, src);
+  case ELevel::L: return ProduceApart<PlanAt<ELevel::L>.Order, PlanAt<ELevel::L>.Block>(level, p, count, to, src);
         NU_LEVELS(NU_PRODUCE_AT_)
 #undef NU_PRODUCE_AT_
       }

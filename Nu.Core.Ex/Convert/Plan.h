@@ -363,18 +363,20 @@ struct SRunKey {
   bool SourceTwice;
   EOrder Order[LevelCount];
 };
+// Within 31 bits, so that the word is an immediate operand.
 constexpr std::uint64_t PackRunKey(SPairKey key) noexcept {
   SDataInfo const trg = DataInfo(key.TrgData), src = DataInfo(key.SrcData);
+  static_assert(MaxPixelBytes < 64 && OrderCount <= 8);
   std::uint64_t word = static_cast<std::uint64_t>(key.Shape.TrgStride) * trg.Bytes |
-                       static_cast<std::uint64_t>(key.Shape.SrcStride) * src.Bytes << 8 |
-                       std::uint64_t{key.LumAShift && key.Shape.SrcAlpha >= 0} << 16;
+                       static_cast<std::uint64_t>(key.Shape.SrcStride) * src.Bytes << 6 |
+                       std::uint64_t{key.LumAShift && key.Shape.SrcAlpha >= 0} << 12;
   for (std::size_t l = 0; l < LevelCount; ++l)
-    word |= static_cast<std::uint64_t>(OrderOf(key, AllLevels[l])) << (24 + 4 * l);
+    word |= static_cast<std::uint64_t>(OrderOf(key, AllLevels[l])) << (13 + 3 * l);
   return word;
 }
 constexpr SRunKey UnpackRunKey(std::uint64_t word) noexcept {
-  SRunKey key{word & 0xFF, (word >> 8) & 0xFF, ((word >> 16) & 1) != 0, {}};
-  for (std::size_t l = 0; l < LevelCount; ++l) key.Order[l] = static_cast<EOrder>((word >> (24 + 4 * l)) & 0xF);
+  SRunKey key{word & 63, (word >> 6) & 63, ((word >> 12) & 1) != 0, {}};
+  for (std::size_t l = 0; l < LevelCount; ++l) key.Order[l] = static_cast<EOrder>((word >> (13 + 3 * l)) & 7);
   return key;
 }
 
