@@ -1,7 +1,7 @@
 #pragma once
 // The AVX-512 value kernels that the plans name (EValueKernel other than Loop), written with
 // intrinsics because the compiler's own vectorisation of the value rule's selects, NaN test and
-// division is several times slower than memory there. Included by Convert/Values.h only.
+// division falls far behind memory there. Included by Convert/Values.h only.
 //
 // Every source value, of any type, is an exact double, so eight elements are carried in the
 // lanes of one register through the rule's own double arithmetic (no FMA, no reciprocal where
