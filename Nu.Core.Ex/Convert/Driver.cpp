@@ -67,7 +67,7 @@ void ConvertRunAt(ELevel level, unsigned int count, void* trg, void const* src, 
   SRunKey const key = UnpackRunKey(pair.Key);
   std::size_t const n = count;
   // The LumA rule writes a second run of target pixels, and reads one of an alpha-bearing source.
-  bool const trgTwice = key.Order[0] == EOrder::LumAShift;
+  bool const trgTwice = key.Order[static_cast<std::size_t>(level)] == EOrder::LumAShift;
   auto const trgBegin = reinterpret_cast<std::uintptr_t>(trg);
   auto const srcBegin = reinterpret_cast<std::uintptr_t>(src);
   std::uintptr_t const trgEnd = trgBegin + (trgTwice ? 2 * n : n) * key.TrgPixelBytes;
