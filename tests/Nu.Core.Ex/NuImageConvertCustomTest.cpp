@@ -1,148 +1,90 @@
-// ConvertCustomType: every 16-bit word of both LSB forms against the reference, in
-// place and out of place, and every failure with its chain.
-#include <Nu.Core.Ex/NuImage.h>
-
-#include <Reference/ConvertReference.h>
-#include <Support/ConvertTargets.h>
+// ConvertCustomType: every 16-bit word of both LSB forms against the reference, into another
+// image and in place, and every refusal with its chain.
+#include <Support/ConvertSamples.h>
 #include <Support/ExceptionCheck.h>
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <vector>
 
 using Nu::CNuImage;
-using Nu::EDataType;
-using Nu::EPixelType;
 using NuTest::ExpectRaises;
 using NuTest::Format;
+using P = Nu::EPixelType;
+using D = Nu::EDataType;
 
 namespace {
 
 constexpr char ImageFile[] = "Nu.Core.Ex/NuImage.cpp";
-constexpr char Outer[] = "Error converting image custom data type";
-
-CNuImage AllWords(EDataType::ID dataType) {
-  CNuImage image;
-  image.Create(256, 256, EPixelType::Lum, dataType);
-  auto* words = static_cast<std::uint16_t*>(image.GetDataPtr());
-  for (unsigned w = 0; w < 65536; ++w) words[w] = static_cast<std::uint16_t>(w);
-  return image;
-}
+constexpr NuTest::ExpectedLevel Outer = {"Error converting image custom data type", "ConvertCustomType", ImageFile};
+constexpr NuTest::ExpectedLevel InPlace = {"This image can't be converted in place", "ConvertCustomType", ImageFile};
 
 }  // namespace
 
-TEST(ConvertCustomType, EveryWordOfBothFormsOutOfPlaceAndInPlace) {
-  for (EDataType::ID type : {EDataType::Custom_10in16_LSB, EDataType::Custom_12in16_LSB}) {
-    SCOPED_TRACE(std::to_string(type));
-    CNuImage const src = AllWords(type);
-    CNuImage trg;
+// Of an image of several channels only the first width * height words: pixels, not channels.
+TEST(ConvertCustomType, EveryWordIntoAnotherImageAndInPlace) {
+  for (D::ID type : {D::Custom_10in16_LSB, D::Custom_12in16_LSB}) {
+    CNuImage src, trg;
+    src.Create(256, 256, P::LumA, type);
+    auto* words = static_cast<std::uint16_t*>(src.GetDataPtr());
+    for (unsigned w = 0; w < 131072; ++w) words[w] = static_cast<std::uint16_t>(w ^ 0x1234u);
+    std::vector<std::uint16_t> expected(words, words + 131072);
+    for (unsigned w = 0; w < 65536; ++w) expected[w] = NuRef::WidenCustom(type, expected[w]);
     src.ConvertCustomType(trg);
-    EPixelType::ID pixelType;
-    EDataType::ID dataType;
+    P::ID pixelType;
+    D::ID dataType;
     trg.GetType(pixelType, dataType);
-    EXPECT_EQ(dataType, EDataType::UShort);
-    EXPECT_EQ(pixelType, EPixelType::Lum);
+    EXPECT_TRUE(pixelType == P::LumA && dataType == D::UShort) << type;
     auto const* out = static_cast<std::uint16_t const*>(trg.GetDataPtr());
-    for (unsigned w = 0; w < 65536; ++w)
-      ASSERT_EQ(out[w], NuRef::WidenCustom(type, static_cast<std::uint16_t>(w))) << "word " << w;
-
-    CNuImage self = AllWords(type);
-    void* const before = self.GetDataPtr();
-    self.ConvertCustomType(self);
-    EXPECT_EQ(self.GetDataPtr(), before);
-    EXPECT_EQ(std::memcmp(self.GetDataPtr(), trg.GetDataPtr(), 131072), 0);
-    // Now UShort with the same pointers: the second call is refused as in place.
-    ExpectRaises([&] { self.ConvertCustomType(self); },
-                 {{Outer, "ConvertCustomType", ImageFile}, {"This image can't be converted in place", "ConvertCustomType", ImageFile}});
+    EXPECT_EQ(std::vector<std::uint16_t>(out, out + 65536), std::vector<std::uint16_t>(expected.begin(), expected.begin() + 65536));
+    src.ConvertCustomType(src);
+    EXPECT_EQ(src.GetDataPtr(), words);
+    EXPECT_EQ(std::vector<std::uint16_t>(words, words + 131072), expected);
+    ExpectRaises([&] { src.ConvertCustomType(src); }, {Outer, InPlace});  // now UShort
   }
 }
 
-TEST(ConvertCustomType, DocumentedWords) {
-  CNuImage image;
-  image.Create(4, 1, EPixelType::Bayer2, EDataType::Custom_10in16_LSB);
-  std::uint16_t const words[4] = {617, 1024, 65535, 341};
-  std::memcpy(image.GetDataPtr(), words, 8);
-  CNuImage trg;
-  image.ConvertCustomType(trg);
-  auto const* out = static_cast<std::uint16_t const*>(trg.GetDataPtr());
-  EXPECT_EQ(out[0], 39526);
-  EXPECT_EQ(out[1], 63);
-  EXPECT_EQ(out[2], 3972);
-  EXPECT_EQ(out[3], 21845);
-  EPixelType::ID pixelType;
-  EDataType::ID dataType;
-  trg.GetType(pixelType, dataType);
-  EXPECT_EQ(pixelType, EPixelType::Bayer2);
-}
-
-TEST(ConvertCustomType, CountsPixelsNotChannels) {
-  CNuImage image;
-  image.Create(3, 2, EPixelType::RGB, EDataType::Custom_12in16_LSB);
-  auto* words = static_cast<std::uint16_t*>(image.GetDataPtr());
-  for (int i = 0; i < 18; ++i) words[i] = static_cast<std::uint16_t>(4095 - i);
-  image.ConvertCustomType(image);
-  for (int i = 0; i < 6; ++i) EXPECT_EQ(words[i], NuRef::WidenCustom(12, static_cast<std::uint16_t>(4095 - i))) << i;
-  for (int i = 6; i < 18; ++i) EXPECT_EQ(words[i], 4095 - i) << i;
-}
-
+// Raised before Create: the target is untouched.
 TEST(ConvertCustomType, RefusalsWithTheirMessages) {
-  char const* const names[] = {"Custom_10in16_MSB", "Custom_12in16_MSB", "Void", "UShort", "Byte", "Double", "Unknown"};
-  int const types[] = {EDataType::Custom_10in16_MSB, EDataType::Custom_12in16_MSB, EDataType::Void, EDataType::UShort,
-                       EDataType::Byte, EDataType::Double, 5128};
+  struct {
+    int Type;
+    char const* Name;
+  } const cases[] = {{D::Custom_10in16_MSB, "Custom_10in16_MSB"}, {D::Custom_12in16_MSB, "Custom_12in16_MSB"},
+                     {D::Void, "Void"}, {D::UShort, "UShort"}, {D::Byte, "Byte"}, {D::Double, "Double"}, {5128, "Unknown"}};
   std::uint16_t words[64] = {};
-  for (int i = 0; i < 7; ++i) {
-    SCOPED_TRACE(names[i]);
-    CNuImage src;
-    src.CreateMoniker(Format(2, 2, EPixelType::Lum, types[i]), words, 0.0, 0);
-    CNuImage trg;
-    trg.Create(1, 1, EPixelType::RGB, EDataType::UByte);
+  for (auto const& c : cases) {
+    CNuImage src, trg;
+    src.CreateMoniker(Format(2, 2, P::Lum, c.Type), words, 0.0, 0);
+    trg.Create(1, 1, P::RGB, D::UByte);
     void* const trgBefore = trg.GetDataPtr();
-    std::string const message = std::string("This image hasn't a supported custom data type '") + names[i] + "'";
-    ExpectRaises([&] { src.ConvertCustomType(trg); },
-                 {{Outer, "ConvertCustomType", ImageFile}, {message.c_str(), "ConvertCustomType", ImageFile}});
-    EXPECT_EQ(trg.GetDataPtr(), trgBefore);  // raised before Create: target untouched
-    EXPECT_EQ(trg.GetByteCount(), 3u);
-    ExpectRaises([&] { src.ConvertCustomType(src); },
-                 {{Outer, "ConvertCustomType", ImageFile}, {"This image can't be converted in place", "ConvertCustomType", ImageFile}});
+    std::string const message = std::string("This image hasn't a supported custom data type '") + c.Name + "'";
+    ExpectRaises([&] { src.ConvertCustomType(trg); }, {Outer, {message.c_str(), "ConvertCustomType", ImageFile}});
+    EXPECT_TRUE(trg.GetDataPtr() == trgBefore && trg.GetByteCount() == 3u) << c.Name;
+    ExpectRaises([&] { src.ConvertCustomType(src); }, {Outer, InPlace});
   }
-  // Two empty images: equal null pointers, so the in-place message; an empty source into an
-  // image with memory names 'Void'.
-  CNuImage empty;
-  CNuImage otherEmpty;
-  ExpectRaises([&] { empty.ConvertCustomType(otherEmpty); },
-               {{Outer, "ConvertCustomType", ImageFile}, {"This image can't be converted in place", "ConvertCustomType", ImageFile}});
-  CNuImage withMemory;
-  withMemory.Create(1, 1, EPixelType::Lum, EDataType::UByte);
+  // Two empty images have equal null pointers; an empty source into an image with memory is 'Void'.
+  CNuImage empty, otherEmpty, withMemory;
+  ExpectRaises([&] { empty.ConvertCustomType(otherEmpty); }, {Outer, InPlace});
+  withMemory.Create(1, 1, P::Lum, D::UByte);
   ExpectRaises([&] { empty.ConvertCustomType(withMemory); },
-               {{Outer, "ConvertCustomType", ImageFile},
-                {"This image hasn't a supported custom data type 'Void'", "ConvertCustomType", ImageFile}});
+               {Outer, {"This image hasn't a supported custom data type 'Void'", "ConvertCustomType", ImageFile}});
 }
 
-TEST(ConvertCustomType, CreateFailuresAndRefusals) {
-  std::uint16_t words[4] = {1023, 1, 2, 3};
-  CNuImage zeroWide;
-  zeroWide.CreateMoniker(Format(0, 4, EPixelType::Lum, EDataType::Custom_10in16_LSB), words, 0.0, 0);
-  CNuImage trg;
+// What Create raises comes wrapped; a Create that refuses with false leaves the conversion to
+// go on with the memory the target reports.
+TEST(ConvertCustomType, WhatCreateDoes) {
+  std::uint16_t words[4] = {1023, 1, 2, 3}, out[4] = {7, 7, 7, 7};
+  CNuImage zeroWide, trg, src;
+  zeroWide.CreateMoniker(Format(0, 4, P::Lum, D::Custom_10in16_LSB), words, 0.0, 0);
   ExpectRaises([&] { zeroWide.ConvertCustomType(trg); },
-               {{Outer, "ConvertCustomType", ImageFile},
-                {"Error creating image", "Create", ImageFile},
-                {"Image width or height is 0", "Create", ImageFile}});
-
-  // A target whose Create refuses with false: the conversion goes on with the memory it reports.
-  class CRefusingImage : public CNuImage {
-  public:
-    bool Create(int, int, EPixelType::ID, EDataType::ID, void const*) override { return false; }
-  };
-  std::uint16_t out[4] = {7, 7, 7, 7};
-  CRefusingImage refusing;
-  refusing.CreateMoniker(Format(4, 1, EPixelType::Lum, EDataType::UByte), out, 0.0, 0);
-  CNuImage src;
-  src.CreateMoniker(Format(2, 1, EPixelType::Lum, EDataType::Custom_10in16_LSB), words, 0.0, 0);
+               {Outer, {"Error creating image", "Create", ImageFile}, {"Image width or height is 0", "Create", ImageFile}});
+  struct CRefusingImage : CNuImage {
+    bool Create(int, int, P::ID, D::ID, void const*) override { return false; }
+  } refusing;
+  refusing.CreateMoniker(Format(4, 1, P::Lum, D::UByte), out, 0.0, 0);
+  src.CreateMoniker(Format(2, 1, P::Lum, D::Custom_10in16_LSB), words, 0.0, 0);
   src.ConvertCustomType(refusing);
-  EXPECT_EQ(out[0], 65535);
-  EXPECT_EQ(out[1], 64);
-  EXPECT_EQ(out[2], 7);
+  EXPECT_EQ(std::vector<std::uint16_t>(out, out + 4), (std::vector<std::uint16_t>{65535, 64, 7, 7}));
 }

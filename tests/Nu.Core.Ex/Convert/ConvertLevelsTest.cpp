@@ -1,165 +1,102 @@
-// The engine at every instruction-set level this CPU has, one named case per level, bit for bit
-// against the reference model: the value kernels of all 64 type pairs over every 8/16-bit value
-// and the wider samples, at lengths across the vector widths and shifted starts; the fused path
-// of every layout shape for type pairs that reach every order and element size, with guard bytes
-// around the runs; and runs large enough to stream or to fetch ahead. The kernels are the
-// library's own objects, the level goes down as the library passes it (ConvertRunAt).
+// The engine at every instruction-set level this CPU has, bit for bit against the reference
+// model: the value kernels of all 64 type pairs; every layout shape for type pairs that reach
+// every order, move kernel and element size of tests/Golden/ConvertPlans.txt; mapped pairs over
+// the whole value sample; runs that stream or fetch ahead. The kernels are the library's own
+// objects and the level goes down as the library passes it (ConvertRunAt). Templates only
+// collect the kernels; the checks are plain functions, which keeps this unit quick to build.
 #include <Nu.Core.Ex/Convert/Leaf.h>
 
-#include <Reference/ConvertReference.h>
 #include <Support/ConvertSamples.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <initializer_list>
-#include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
-using Nu::EDataType;
-using Nu::EPixelType;
-using Nu::TPixelOf;
 using namespace Nu::Detail;
 
 namespace {
 
-std::string FormatName(int pixelType, int dataType) {
-  return std::string(NuRef::FindLayout(pixelType)->Name) + "/" + NuRef::FindDataType(dataType)->Name;
-}
+constexpr int RGBA = Nu::EPixelType::RGBA, RGB = Nu::EPixelType::RGB, BGRA = Nu::EPixelType::BGRA,
+              BGR = Nu::EPixelType::BGR, Lum = Nu::EPixelType::Lum, LumA = Nu::EPixelType::LumA;
+enum : int { Byte = 5120, UByte, Short, UShort, Int, UInt, Float, Double = 5130 };
 
-// Lengths across every vector width and the fused path's threshold, and a long run.
-constexpr std::size_t Lengths[] = {0, 1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 129, 1031};
-
-template <class TE, class SE>
-void CheckValues(ELevel level) {
-  int const trgType = DataIdOf<TE>(), srcType = DataIdOf<SE>();
-  SCOPED_TRACE(std::string(NuRef::FindDataType(trgType)->Name) + " <- " + NuRef::FindDataType(srcType)->Name);
-  std::vector<unsigned char> const values = NuTest::SourceValues(*NuRef::FindDataType(srcType));
-  std::size_t const count = values.size() / sizeof(SE);
-  // The whole sample in one run, then runs of every length at shifted starts.
-  std::vector<std::pair<std::size_t, std::size_t>> runs = {{0, count}};
-  for (std::size_t length : Lengths)
-    for (std::size_t start : {std::size_t{0}, std::size_t{1}, std::size_t{3}})
-      if (start + length <= count) runs.emplace_back(start, length);
-  for (auto const& [start, length] : runs) {
-    NuTest::SGuarded out(length * sizeof(TE), sizeof(TE), 0xEE);
-    NuTest::SGuarded expected = out;
-    for (std::size_t i = 0; i < length; ++i)
-      NuRef::ConvertValue(trgType, expected.Run() + i * sizeof(TE), srcType, values.data() + (start + i) * sizeof(SE));
-    NuTest::SGuarded in(length * sizeof(SE), sizeof(SE), 0);
-    std::memcpy(in.Run(), values.data() + start * sizeof(SE), length * sizeof(SE));
-    ConvertValues<TE, SE>(level, length, reinterpret_cast<TE*>(out.Run()), reinterpret_cast<SE const*>(in.Run()));
-    ASSERT_EQ(out.Bytes, expected.Bytes) << "run of " << length << " from " << start;
-  }
-}
-
-template <class... TEs>
-struct TTypes {};
-using TAllElements = TTypes<char, unsigned char, short, unsigned short, int, unsigned int, float, double>;
-
+struct SValuePair {
+  int Trg, Src;
+  void (*Run)(ELevel, std::size_t, void*, void const*);
+};
 template <class TE, class... SEs>
-void CheckValuesInto(ELevel level, TTypes<SEs...>) {
-  (CheckValues<TE, SEs>(level), ...);
+void AddValuePairs(std::vector<SValuePair>& to) {
+  (to.push_back({DataIdOf<TE>(), DataIdOf<SEs>(), [](ELevel level, std::size_t n, void* trg, void const* src) {
+                   ConvertValues<TE, SEs>(level, n, static_cast<TE*>(trg), static_cast<SEs const*>(src));
+                 }}),
+   ...);
 }
 template <class... TEs>
-void CheckAllValues(ELevel level, TTypes<TEs...> all) {
-  (CheckValuesInto<TEs>(level, all), ...);
+std::vector<SValuePair> ValuePairs() {
+  std::vector<SValuePair> pairs;
+  (AddValuePairs<TEs, TEs...>(pairs), ...);
+  return pairs;
 }
 
-// One pair's run through the driver at a level, against the reference run, for each count, with
-// the runs starting on a line and one element past it.
-template <class TTrg, class TSrc>
-void CheckPair(ELevel level, std::initializer_list<std::size_t> counts) {
-  using Pair = TPairOf<TTrg, TSrc>;
-  int const tp = TTrg::PixelTypeId, td = TTrg::DataTypeId, sp = TSrc::PixelTypeId, sd = TSrc::DataTypeId;
-  SCOPED_TRACE(FormatName(tp, td) + " <- " + FormatName(sp, sd));
-  for (std::size_t count : counts)
-    for (std::size_t shift : {0, 1}) {
-      std::mt19937 random(static_cast<std::uint32_t>(count * 7919 + tp + 3 * td + 5 * sp + 7 * sd));
-      NuTest::SGuarded src(2 * count * sizeof(TSrc), sizeof(typename Pair::SE), 0xA5, shift);
-      NuTest::FillRandom(src.Run(), 2 * count * TSrc::ElementCount, sd, random);
-      NuTest::SGuarded trg(2 * count * sizeof(TTrg), sizeof(typename Pair::TE), 0x5C, shift);
-      NuTest::SGuarded expected = trg;
-      NuRef::ConvertRun(tp, td, expected.Run(), sp, sd, src.Run(), static_cast<unsigned>(count));
-      ConvertRunAt(level, static_cast<unsigned>(count), trg.Run(), src.Run(), Pair::Kernels());
-      ASSERT_EQ(trg.Bytes, expected.Bytes) << "count " << count << ", shift " << shift;
-    }
+struct SPair {
+  int TrgPixel, TrgData, SrcPixel, SrcData;
+  SPairRun Kernels;
+};
+template <int TP, int TD, int SP, int SD>
+SPair PairOf() {
+  return {TP, TD, SP, SD, TPairOf<Nu::TPixelOf<TP, TD>, Nu::TPixelOf<SP, SD>>::Kernels()};
 }
-
-template <class TTrg, class TSrc>
-void CheckAcrossBlocks(ELevel level) {
-  std::size_t const block = PlanOf(PairKeyOf<TTrg, TSrc>(), level).Block;
-  if (block != 0) CheckPair<TTrg, TSrc>(level, {block - 1, block + 1, 2 * block + 3});
+template <int TD, int SD, int TP>
+void AddFrom(std::vector<SPair>& to) {
+  to.insert(to.end(), {PairOf<TP, TD, RGBA, SD>(), PairOf<TP, TD, RGB, SD>(), PairOf<TP, TD, BGRA, SD>(),
+                       PairOf<TP, TD, BGR, SD>(), PairOf<TP, TD, Lum, SD>(), PairOf<TP, TD, LumA, SD>()});
 }
-
-template <int TD, int SD, int TP, int... SPs>
-void CheckFrom(ELevel level) {
-  (CheckPair<TPixelOf<TP, TD>, TPixelOf<SPs, SD>>(level, {1, 2, 15, 16, 17, 63, 64, 65, 255, 256, 257, 1031}), ...);
-}
-// Every layout shape (Bayer shapes are Lum's) for one pair of data types.
 template <int TD, int SD>
-void CheckAllShapes(ELevel level) {
-  constexpr int RGBA = EPixelType::RGBA, RGB = EPixelType::RGB, BGRA = EPixelType::BGRA, BGR = EPixelType::BGR,
-                Lum = EPixelType::Lum, LumA = EPixelType::LumA;
-  CheckFrom<TD, SD, RGBA, RGBA, RGB, BGRA, BGR, Lum, LumA>(level);
-  CheckFrom<TD, SD, RGB, RGBA, RGB, BGRA, BGR, Lum, LumA>(level);
-  CheckFrom<TD, SD, BGRA, RGBA, RGB, BGRA, BGR, Lum, LumA>(level);
-  CheckFrom<TD, SD, BGR, RGBA, RGB, BGRA, BGR, Lum, LumA>(level);
-  CheckFrom<TD, SD, Lum, RGBA, RGB, BGRA, BGR, Lum, LumA>(level);
-  CheckFrom<TD, SD, LumA, RGBA, RGB, BGRA, BGR, Lum, LumA>(level);
+struct TShapes {
+  void operator()(std::vector<SPair>& to) const {
+    AddFrom<TD, SD, RGBA>(to), AddFrom<TD, SD, RGB>(to), AddFrom<TD, SD, BGRA>(to);
+    AddFrom<TD, SD, BGR>(to), AddFrom<TD, SD, Lum>(to), AddFrom<TD, SD, LumA>(to);
+  }
+};
+
+// Every layout shape (Bayer shapes are Lum's) for the fewest type pairs that reach every order,
+// move kernel and element size of the plans at every level: the same type at each size, the
+// pairs mapped as they move, and pairs through the buffer either way.
+std::vector<SPair> ShapePairs() {
+  std::vector<SPair> to;
+  auto const add = [&](auto... types) { (types(to), ...); };
+  add(TShapes<Byte, Byte>{}, TShapes<Short, Short>{}, TShapes<Int, Int>{}, TShapes<Double, Double>{},
+      TShapes<Byte, UByte>{}, TShapes<Short, UShort>{}, TShapes<Int, UInt>{}, TShapes<Double, Byte>{},
+      TShapes<Byte, Double>{}, TShapes<Short, Int>{}, TShapes<Int, Short>{}, TShapes<Double, Short>{},
+      TShapes<Double, Int>{});
+  return to;
 }
 
-// The whole value sample of the source type (every 8/16-bit value, the special and random wider
-// ones) through a layout change, where the values are mapped as they move.
-template <int TD, int SD>
-void CheckMappedValues(ELevel level) {
-  using TTrg = TPixelOf<EPixelType::BGR, TD>;
-  using TSrc = TPixelOf<EPixelType::RGB, SD>;
-  SCOPED_TRACE(std::string(NuRef::FindDataType(TD)->Name) + " <- " + NuRef::FindDataType(SD)->Name);
-  std::vector<unsigned char> values = NuTest::SourceValues(*NuRef::FindDataType(SD));
-  std::size_t const elementBytes = sizeof(typename TSrc::Element);
-  while (values.size() % sizeof(TSrc) != 0) values.insert(values.end(), values.begin(), values.begin() + elementBytes);
-  std::size_t const count = values.size() / sizeof(TSrc);
-  NuTest::SGuarded src(values.size(), elementBytes, 0xA5);
-  std::memcpy(src.Run(), values.data(), values.size());
-  NuTest::SGuarded trg(count * sizeof(TTrg), sizeof(typename TTrg::Element), 0x5C);
+// count pixels through the driver, both runs `shift` elements past a line and sized for the
+// LumA rule, of random elements or of `values`.
+void CheckRun(ELevel level, SPair const& pair, std::size_t count, std::size_t shift,
+              std::vector<unsigned char> const* values = nullptr) {
+  SCOPED_TRACE(NuTest::PairName(pair.TrgPixel, pair.TrgData, pair.SrcPixel, pair.SrcData) + ", count " +
+               std::to_string(count) + ", shift " + std::to_string(shift));
+  bool const twice = pair.TrgPixel == LumA && pair.TrgData != pair.SrcData;
+  std::size_t const srcElement = NuRef::FindDataType(pair.SrcData)->Bytes;
+  std::size_t const srcBytes = (twice ? 2 : 1) * count * NuRef::PixelBytes(pair.SrcPixel, pair.SrcData);
+  NuTest::SGuarded src(srcBytes, srcElement, 0xA5, shift);
+  std::mt19937_64 random(count * 7919 + static_cast<std::size_t>(pair.TrgPixel + 3 * pair.TrgData + 5 * pair.SrcPixel + 7 * pair.SrcData));
+  if (values != nullptr)
+    std::memcpy(src.Run(), values->data(), std::min(values->size(), srcBytes));
+  else
+    NuTest::FillRandom(src.Run(), srcBytes / srcElement, pair.SrcData, random);
+  NuTest::SGuarded trg((twice ? 2 : 1) * count * NuRef::PixelBytes(pair.TrgPixel, pair.TrgData),
+                       NuRef::FindDataType(pair.TrgData)->Bytes, 0x5C, shift);
   NuTest::SGuarded expected = trg;
-  NuRef::ConvertRun(EPixelType::BGR, TD, expected.Run(), EPixelType::RGB, SD, src.Run(), static_cast<unsigned>(count));
-  ConvertRunAt(level, static_cast<unsigned>(count), trg.Run(), src.Run(), TPairOf<TTrg, TSrc>::Kernels());
-  ASSERT_TRUE(trg.Bytes == expected.Bytes);
-}
-
-// A run beyond the caches: a target above the streaming size, with a part block at the end and a
-// start off the line, or a source above the size from which it is fetched ahead.
-template <class TTrg, class TSrc>
-void CheckLarge(ELevel level, std::size_t count) {
-  using Pair = TPairOf<TTrg, TSrc>;
-  SCOPED_TRACE(FormatName(TTrg::PixelTypeId, TTrg::DataTypeId) + " <- " + FormatName(TSrc::PixelTypeId, TSrc::DataTypeId));
-  std::mt19937 random(static_cast<std::uint32_t>(count));
-  std::size_t const runs = PairKeyOf<TTrg, TSrc>().LumAShift ? 2 : 1;  // the LumA rule's second run
-  NuTest::SGuarded src(runs * count * sizeof(TSrc), sizeof(typename Pair::SE), 0xA5);
-  NuTest::FillRandom(src.Run(), runs * count * TSrc::ElementCount, TSrc::DataTypeId, random);
-  std::vector<unsigned char> trg(runs * count * sizeof(TTrg) + 4 * 64, 0x5C);
-  std::vector<unsigned char> expected = trg;
-  // Three pixels past a line: the first target line comes some pixels into the run.
-  std::size_t const start = (64 - reinterpret_cast<std::uintptr_t>(trg.data()) % 64) % 64 + 3 * sizeof(TTrg);
-  NuRef::ConvertRun(TTrg::PixelTypeId, TTrg::DataTypeId, expected.data() + start, TSrc::PixelTypeId,
-                    TSrc::DataTypeId, src.Run(), static_cast<unsigned>(count));
-  ConvertRunAt(level, static_cast<unsigned>(count), trg.data() + start, src.Run(), Pair::Kernels());
-  ASSERT_TRUE(trg == expected);
-}
-template <class TTrg, class TSrc>
-void CheckStreamed(ELevel level) {
-  constexpr std::size_t streamFrom = RunPlanOf(EOrder::Moves, 1, 1, ELevel::Avx512).StreamFrom;
-  CheckLarge<TTrg, TSrc>(level, streamFrom / sizeof(TTrg) + StreamBlock + 7);
-}
-template <class TTrg, class TSrc>
-void CheckFetched(ELevel level) {
-  constexpr std::size_t fetchFrom = RunPlanOf(EOrder::Moves, 1, 1, ELevel::Baseline).FetchFrom;
-  CheckLarge<TTrg, TSrc>(level, fetchFrom / sizeof(TSrc) + 77);
+  NuRef::ConvertRun(pair.TrgPixel, pair.TrgData, expected.Run(), pair.SrcPixel, pair.SrcData, src.Run(), static_cast<unsigned>(count));
+  ConvertRunAt(level, static_cast<unsigned>(count), trg.Run(), src.Run(), pair.Kernels);
+  ASSERT_TRUE(NuTest::SameBytes(trg.Bytes, expected.Bytes));
 }
 
 class ConvertLevels : public ::testing::TestWithParam<ELevel> {
@@ -171,65 +108,65 @@ protected:
 
 }  // namespace
 
-TEST_P(ConvertLevels, ValueKernelsMatchTheReference) { CheckAllValues(GetParam(), TAllElements{}); }
+// The whole sample in one run, then runs across every vector width at shifted starts.
+TEST_P(ConvertLevels, ValueKernelsMatchTheReference) {
+  for (SValuePair const& pair : ValuePairs<char, unsigned char, short, unsigned short, int, unsigned int, float, double>()) {
+    NuRef::SDataRow const &trg = *NuRef::FindDataType(pair.Trg), &src = *NuRef::FindDataType(pair.Src);
+    SCOPED_TRACE(std::string(trg.Name) + " <- " + src.Name);
+    std::vector<unsigned char> const values = NuTest::SourceValues(src);
+    std::vector<std::pair<std::size_t, std::size_t>> runs = {{0, values.size() / src.Bytes}};
+    for (std::size_t length : {0, 1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 129, 1031})
+      for (std::size_t start : {0, 1, 3}) runs.emplace_back(start, length);
+    for (auto const& [start, length] : runs) {
+      NuTest::SGuarded out(length * trg.Bytes, trg.Bytes, 0xEE), expected = out, in(length * src.Bytes, src.Bytes, 0);
+      for (std::size_t i = 0; i < length; ++i)
+        NuRef::ConvertValue(trg.Id, expected.Run() + i * trg.Bytes, src.Id, &values[(start + i) * src.Bytes]);
+      std::memcpy(in.Run(), &values[start * src.Bytes], length * src.Bytes);
+      pair.Run(GetParam(), length, out.Run(), in.Run());
+      ASSERT_TRUE(NuTest::SameBytes(out.Bytes, expected.Bytes)) << "run of " << length << " from " << start;
+    }
+  }
+}
 
+// Lengths around the fused path's threshold and the vector widths, and across the buffer's steps.
 TEST_P(ConvertLevels, EveryShapeMatchesTheReference) {
-  ELevel const level = GetParam();
-  // Same type (moves only) for every element size, conversions through the buffer either way,
-  // and the type pairs that are mapped as they move.
-  CheckAllShapes<EDataType::UByte, EDataType::UByte>(level);
-  CheckAllShapes<EDataType::Short, EDataType::Short>(level);
-  CheckAllShapes<EDataType::Float, EDataType::Float>(level);
-  CheckAllShapes<EDataType::Double, EDataType::Double>(level);
-  CheckAllShapes<EDataType::Float, EDataType::UByte>(level);
-  CheckAllShapes<EDataType::UByte, EDataType::Double>(level);
-  CheckAllShapes<EDataType::Short, EDataType::UInt>(level);
-  CheckAllShapes<EDataType::Byte, EDataType::UByte>(level);
-  CheckAllShapes<EDataType::UByte, EDataType::Byte>(level);
-  CheckAllShapes<EDataType::Short, EDataType::UShort>(level);
-  CheckAllShapes<EDataType::UShort, EDataType::Short>(level);
-  CheckAllShapes<EDataType::Int, EDataType::UInt>(level);
-  CheckAllShapes<EDataType::UInt, EDataType::Float>(level);
-  CheckAllShapes<EDataType::Float, EDataType::Int>(level);
-  // Runs across the steps through the buffer: values first with narrow pixels, the LumA rule's
-  // two passes, wide pixels, and moves first.
-  CheckAcrossBlocks<TPixelOf<EPixelType::RGB, EDataType::Byte>, TPixelOf<EPixelType::Lum, EDataType::UByte>>(level);
-  CheckAcrossBlocks<TPixelOf<EPixelType::LumA, EDataType::Short>, TPixelOf<EPixelType::RGBA, EDataType::UByte>>(level);
-  CheckAcrossBlocks<TPixelOf<EPixelType::RGBA, EDataType::Double>, TPixelOf<EPixelType::RGB, EDataType::UByte>>(level);
-  CheckAcrossBlocks<TPixelOf<EPixelType::Lum, EDataType::Float>, TPixelOf<EPixelType::RGB, EDataType::UByte>>(level);
+  for (SPair const& pair : ShapePairs())
+    for (std::size_t count : {1, 2, 15, 16, 17, 63, 64, 65, 255, 256, 257, 1031})
+      for (std::size_t shift : {0, 1}) CheckRun(GetParam(), pair, count, shift);
+  for (SPair const& pair : {PairOf<RGB, Byte, Lum, UByte>(), PairOf<LumA, Short, RGBA, UByte>(),
+                            PairOf<RGBA, Double, RGB, UByte>(), PairOf<Lum, Float, RGB, UByte>()}) {
+    std::size_t const block = PlanOf(PairKeyOf(pair.TrgPixel, pair.TrgData, pair.SrcPixel, pair.SrcData), GetParam()).Block;
+    for (std::size_t count : {block - 1, block + 1, 2 * block + 3})
+      if (block != 0) CheckRun(GetParam(), pair, count, 1);
+  }
 }
 
+// The whole value sample of the source type, mapped as it moves.
 TEST_P(ConvertLevels, MappedPairsGiveEveryValueAsMoved) {
-  ELevel const level = GetParam();
-  CheckMappedValues<EDataType::Byte, EDataType::UByte>(level);
-  CheckMappedValues<EDataType::UByte, EDataType::Byte>(level);
-  CheckMappedValues<EDataType::Short, EDataType::UShort>(level);
-  CheckMappedValues<EDataType::UShort, EDataType::Short>(level);
-  CheckMappedValues<EDataType::Int, EDataType::UInt>(level);
-  CheckMappedValues<EDataType::UInt, EDataType::Int>(level);
-  CheckMappedValues<EDataType::Int, EDataType::Float>(level);
-  CheckMappedValues<EDataType::UInt, EDataType::Float>(level);
-  CheckMappedValues<EDataType::Float, EDataType::Int>(level);
-  CheckMappedValues<EDataType::Float, EDataType::UInt>(level);
+  for (SPair const& pair : {PairOf<BGR, Byte, RGB, UByte>(), PairOf<BGR, UByte, RGB, Byte>(), PairOf<BGR, Short, RGB, UShort>(),
+                            PairOf<BGR, UShort, RGB, Short>(), PairOf<BGR, Int, RGB, UInt>(), PairOf<BGR, UInt, RGB, Int>(),
+                            PairOf<BGR, Int, RGB, Float>(), PairOf<BGR, UInt, RGB, Float>(), PairOf<BGR, Float, RGB, Int>(),
+                            PairOf<BGR, Float, RGB, UInt>()}) {
+    std::vector<unsigned char> const values = NuTest::SourceValues(*NuRef::FindDataType(pair.SrcData));
+    CheckRun(GetParam(), pair, values.size() / NuRef::PixelBytes(RGB, pair.SrcData) + 1, 1, &values);
+  }
 }
 
+// Targets above the streaming size of each order, with a part block at the end and the first
+// line three pixels into the run; sources above the size from which they are fetched ahead.
 TEST_P(ConvertLevels, RunsBeyondTheCachesStreamOrFetch) {
-  ELevel const level = GetParam();
-  // One of each order through the streaming buffer: values only, moves only, moves first, values
-  // first.
-  CheckStreamed<TPixelOf<EPixelType::Lum, EDataType::UShort>, TPixelOf<EPixelType::Lum, EDataType::UByte>>(level);
-  CheckStreamed<TPixelOf<EPixelType::RGBA, EDataType::UByte>, TPixelOf<EPixelType::RGB, EDataType::UByte>>(level);
-  CheckStreamed<TPixelOf<EPixelType::BGR, EDataType::Float>, TPixelOf<EPixelType::RGBA, EDataType::Short>>(level);
-  CheckStreamed<TPixelOf<EPixelType::RGBA, EDataType::Float>, TPixelOf<EPixelType::LumA, EDataType::Short>>(level);
-  // Sources fetched ahead: moves first, the LumA rule's two passes, and values mapped as they move.
-  CheckFetched<TPixelOf<EPixelType::Lum, EDataType::UByte>, TPixelOf<EPixelType::RGBA, EDataType::Double>>(level);
-  CheckFetched<TPixelOf<EPixelType::LumA, EDataType::UByte>, TPixelOf<EPixelType::RGBA, EDataType::Float>>(level);
-  CheckFetched<TPixelOf<EPixelType::BGR, EDataType::Byte>, TPixelOf<EPixelType::RGBA, EDataType::UByte>>(level);
+  std::size_t const streamFrom = RunPlanOf(EOrder::Moves, 1, 1, ELevel::Avx512).StreamFrom;
+  std::size_t const fetchFrom = RunPlanOf(EOrder::Moves, 1, 1, ELevel::Baseline).FetchFrom;
+  for (SPair const& pair : {PairOf<Lum, UShort, Lum, UByte>(), PairOf<RGBA, UByte, RGB, UByte>(),
+                            PairOf<BGR, Float, RGBA, Short>(), PairOf<RGBA, Float, LumA, Short>()})
+    CheckRun(GetParam(), pair, streamFrom / NuRef::PixelBytes(pair.TrgPixel, pair.TrgData) + StreamBlock + 7,
+             3 * NuRef::PixelBytes(pair.TrgPixel, pair.TrgData) / NuRef::FindDataType(pair.TrgData)->Bytes);
+  for (SPair const& pair : {PairOf<Lum, UByte, RGBA, Double>(), PairOf<LumA, UByte, RGBA, Float>(), PairOf<BGR, Byte, RGBA, UByte>()})
+    CheckRun(GetParam(), pair, fetchFrom / NuRef::PixelBytes(pair.SrcPixel, pair.SrcData) + 77, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, ConvertLevels, ::testing::ValuesIn(AllLevels),
-                         [](::testing::TestParamInfo<ELevel> const& info) {
-                           std::string name = LevelName(info.param);
-                           name[0] = static_cast<char>(name[0] - 'a' + 'A');
-                           return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Levels, ConvertLevels, ::testing::ValuesIn(AllLevels), [](::testing::TestParamInfo<ELevel> const& info) {
+  std::string name = LevelName(info.param);
+  name[0] = static_cast<char>(name[0] - 'a' + 'A');
+  return name;
+});
