@@ -252,8 +252,8 @@ constexpr TTrg WithIntegerNegatives(TSrc x, TTrg positive) noexcept {
 // One channel value from the source's element type to the target's, by the form of the pair.
 // Each form is checked against the reference model over every 8- and 16-bit source value
 // (ChannelValue.EveryTargetMatchesTheReference, and ConvertLevels.* at every instruction-set
-// level), and against PlainRule over every 32-bit source value (ConvertSweep.*, label
-// exhaustive).
+// level), and against PlainRule over every 32-bit source value (ChannelValueSweep and
+// ConvertSweep, label exhaustive).
 template <class TTrg, class TSrc>
 constexpr TTrg ConvertChannelValue(TSrc x) noexcept {
   using Trg = TDataTraits<TTrg>;
