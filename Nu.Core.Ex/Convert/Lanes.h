@@ -478,8 +478,8 @@ NU_LANES_ __m512i Lanes32(__m512i x) noexcept {
   if constexpr (std::is_same_v<TE, int> && std::is_same_v<SE, unsigned int>) {
     return _mm512_srli_epi32(_mm512_sub_epi32(x, _mm512_min_epu32(x, one)), 1);
   } else if constexpr (std::is_same_v<TE, unsigned int> && std::is_same_v<SE, int>) {
-    __mmask16 const high = _mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(0x7FFFFD00));
-    __mmask16 const carry = _mm512_mask_test_epi32_mask(high, x, _mm512_set1_epi32(0x100));
+    __mmask16 const high = _mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(TwiceCarryFrom));
+    __mmask16 const carry = _mm512_mask_test_epi32_mask(high, x, _mm512_set1_epi32(static_cast<int>(TwiceCarryBit)));
     __m512i const twice = _mm512_add_epi32(x, x);
     __m512i const result = _mm512_mask_add_epi32(twice, carry, twice, one);
     return _mm512_maskz_mov_epi32(_mm512_cmpgt_epi32_mask(x, zero), result);

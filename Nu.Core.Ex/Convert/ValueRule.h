@@ -249,6 +249,10 @@ constexpr TTrg WithIntegerNegatives(TSrc x, TTrg positive) noexcept {
   }
 }
 
+// The Twice form's carry ranges (see there): from TwiceCarryFrom on, where TwiceCarryBit is set.
+inline constexpr int TwiceCarryFrom = 0x7FFFFD00;
+inline constexpr unsigned int TwiceCarryBit = 0x100;
+
 // One channel value from the source's element type to the target's, by the form of the pair.
 // Each form is checked against the reference model over every 8- and 16-bit source value
 // (ChannelValue.EveryTargetMatchesTheReference, and ConvertLevels.* at every instruction-set
@@ -284,7 +288,7 @@ constexpr TTrg ConvertChannelValue(TSrc x) noexcept {
     // gives 2x, except 2x + 1 from 0x7FFFFD00 to 0x7FFFFDFF and from 0x7FFFFF00 on, where its
     // roundings carry past the next integer: read off the sweep over every source value.
     auto const u = static_cast<unsigned int>(x);
-    unsigned int const carry = (x >= 0x7FFFFD00 && (u & 0x100u) != 0) ? 1u : 0u;
+    unsigned int const carry = (x >= TwiceCarryFrom && (u & TwiceCarryBit) != 0) ? 1u : 0u;
     return x > 0 ? 2u * u + carry : 0u;
   } else if constexpr (form == EValueForm::Small) {
     // A positive x gives floor(x * Lt / Ls): the double error stays far below 1 / Ls, the
