@@ -1,277 +1,148 @@
 #include <Nu.Core.Ex/NuImage.h>
 
 #include <Support/ExceptionCheck.h>
+#include <Support/ImageCheck.h>
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
+#include <algorithm>
 #include <cstring>
-#include <numeric>
+#include <limits>
+#include <utility>
 #include <vector>
 
-using Nu::CNuImage;
-using Nu::CNuImageFormat;
-using Nu::EDataType;
-using Nu::EPixelType;
-using NuTest::ExpectRaises;
+using namespace Nu;
+using namespace NuTest;
 
-namespace {
-
-constexpr char ImageFile[] = "Nu.Core.Ex/NuImage.cpp";
-constexpr char FormatFile[] = "Nu.Core.Ex/NuImageFormat.h";
-
-// Exposes the protected members so that the state table can be checked directly.
-class CInspectableImage : public CNuImage {
-public:
-  using CNuImage::CNuImage;
-  CNuImageFormat const& RawFormat() const { return Format; }
-  void const* RawData() const { return Data; }
-  unsigned int Tag() const { return AttachedTag; }
-  double Value() const { return AttachedValue; }
-  bool Borrows() const { return IsMoniker; }
-};
-
-void ExpectEmpty(CInspectableImage const& image) {
-  EXPECT_FALSE(image.IsValid());
-  EXPECT_EQ(image.RawData(), nullptr);
-  EXPECT_EQ(image.RawFormat().Width, 0);
-  EXPECT_EQ(image.RawFormat().Height, 0);
-  EXPECT_EQ(image.RawFormat().DataType, EDataType::Void);
-  EXPECT_EQ(image.RawFormat().PixelType, EPixelType::Void);
-  EXPECT_EQ(image.Tag(), 0u);
-  EXPECT_EQ(image.Value(), 0.0);
-  EXPECT_FALSE(image.Borrows());
-}
-
-void Fill(CNuImage& image, unsigned char first = 1) {
-  auto* bytes = static_cast<unsigned char*>(image.GetDataPtr());
-  for (unsigned int i = 0; i < image.GetByteCount(); ++i) bytes[i] = static_cast<unsigned char>(first + i);
-}
-
-}  // namespace
-
-TEST(NuImage, DefaultIsEmpty) {
-  CInspectableImage const image;
-  ExpectEmpty(image);
-  EXPECT_EQ(image.GetPixelCount(), 0u);
-  EXPECT_EQ(image.GetByteCount(), 0u);
-  EXPECT_EQ(image.GetBytesPerPixel(), 0u);
-  int width = -1, height = -1;
-  image.GetSize(width, height);
-  EXPECT_EQ(width, 0);
-  EXPECT_EQ(height, 0);
-  EPixelType::ID pixelType;
-  EDataType::ID dataType;
-  image.GetType(pixelType, dataType);
-  EXPECT_EQ(pixelType, EPixelType::Void);
-  EXPECT_EQ(dataType, EDataType::Void);
-}
-
-TEST(NuImage, CreateReusesTheBlockWhenTheByteCountStays) {
-  CInspectableImage image;
-  ASSERT_TRUE(image.Create(4, 4, EPixelType::RGB, EDataType::UByte));
+TEST(NuImage, CreateKeepsBlockAndPixelsWhileTheByteCountStaysAndRaisesWrappedLeavingThemAlone) {
+  CImage image;  // a byte count of 0, also one that wraps, allocates nothing
+  EXPECT_TRUE(image.Create(65536, 65536, EPixelType::Lum, EDataType::UByte) && !image.IsValid());
+  std::vector<unsigned char> const pixels(48, 7);
+  ASSERT_TRUE(image.Create(4, 4, EPixelType::RGB, EDataType::UByte, pixels.data()));
   void const* block = image.RawData();
-  Fill(image);
-  ASSERT_TRUE(image.Create(4, 4, EPixelType::RGB, EDataType::UByte));
-  EXPECT_EQ(image.RawData(), block);
-  ASSERT_TRUE(image.Create(8, 2, EPixelType::RGB, EDataType::UByte));
-  EXPECT_EQ(image.RawData(), block);
-  EXPECT_EQ(static_cast<unsigned char const*>(image.GetDataPtr())[47], 48);
-  ASSERT_TRUE(image.Create(16, 3, EPixelType::Lum, EDataType::UByte));
-  EXPECT_EQ(image.RawData(), block);
-  int width, height;
-  image.GetSize(width, height);
-  EXPECT_EQ(width, 16);
-  EXPECT_EQ(height, 3);
-}
-
-TEST(NuImage, CreateCopiesGivenData) {
-  std::vector<std::uint16_t> pixels(2 * 3 * 4);
-  std::iota(pixels.begin(), pixels.end(), 100);
-  CNuImage image;
-  ASSERT_TRUE(image.Create(2, 3, EPixelType::BGRA, EDataType::UShort, pixels.data()));
-  EXPECT_EQ(image.GetByteCount(), 48u);
-  EXPECT_EQ(std::memcmp(image.GetDataPtr(), pixels.data(), 48), 0);
-  EXPECT_NE(image.GetDataPtr(), static_cast<void*>(pixels.data()));
-}
-
-TEST(NuImage, ByteCountZeroGivesASizedImageWithoutMemory) {
-  CInspectableImage image;
-  EXPECT_TRUE(image.Create(2, 2, EPixelType::Lum, EDataType::Void));
-  EXPECT_FALSE(image.IsValid());
-  int width, height;
-  image.GetSize(width, height);
-  EXPECT_EQ(width, 2);
-  EXPECT_EQ(height, 2);
-  // 65536 x 65536 bytes wrap to 0: no allocation, no failure.
-  EXPECT_TRUE(image.Create(65536, 65536, EPixelType::Lum, EDataType::UByte));
-  EXPECT_FALSE(image.IsValid());
-  EXPECT_EQ(image.GetPixelCount(), 0u);
-}
-
-TEST(NuImage, IntegralTypesSizeTheBlockFromTheWholeImage) {
-  CNuImage image;
-  ASSERT_TRUE(image.Create(8, 1, static_cast<EPixelType::ID>(4242), EDataType::Integral_5per4));
-  EXPECT_EQ(image.GetByteCount(), 10u);
-  ExpectRaises([&] { image.GetBytesPerPixel(); },
-               {{"Unable to determine bytes per pixel from integral data formats", "GetBytesPerPixel", FormatFile}});
-  ASSERT_TRUE(image.Create(8, 1, EPixelType::RGB, EDataType::Integral_3per2));
-  EXPECT_EQ(image.GetByteCount(), 12u);
-}
-
-TEST(NuImage, BadSizeRaisesAndKeepsTheImage) {
-  CInspectableImage image;
-  ASSERT_TRUE(image.Create(4, 4, EPixelType::RGB, EDataType::UByte));
-  Fill(image);
-  void const* block = image.RawData();
-  for (auto const& size : {std::pair{0, 10}, {-1, 10}, {10, 0}, {3, -7}}) {
-    ExpectRaises([&] { image.Create(size.first, size.second, EPixelType::RGB, EDataType::UByte); },
-                 {{"Error creating image", "Create", ImageFile},
-                  {"Image width or height is 0", "Create", ImageFile}});
-  }
-  EXPECT_EQ(image.RawData(), block);
-  EXPECT_EQ(image.GetByteCount(), 48u);
-  EXPECT_EQ(static_cast<unsigned char const*>(image.GetDataPtr())[0], 1);
-}
-
-TEST(NuImage, UnknownIdsRaiseInsideTheWrapAndChangeNothing) {
-  CInspectableImage image;
-  ExpectRaises([&] { image.Create(1, 1, static_cast<EPixelType::ID>(1234), EDataType::UByte); },
-               {{"Error creating image", "Create", ImageFile}, {"Unknown pixel type", "GetComponentCount", FormatFile}});
-  ExpectEmpty(image);
-  ExpectRaises([&] { image.Create(1, 1, static_cast<EPixelType::ID>(1234), static_cast<EDataType::ID>(5128)); },
-               {{"Error creating image", "Create", ImageFile},
-                {"Unknown data type 'Unknown'", "GetBytesPerChannel", FormatFile}});
-  ExpectEmpty(image);
-
-  // A bad present format fails even a good request.
+  ASSERT_TRUE(image.Create(12, 2, EPixelType::Lum, EDataType::UShort));
+  std::pair<CNuImageFormat, ExpectedLevel> const bad[] = {
+      {Format(0, 10, EPixelType::RGB, EDataType::UByte), {"Image width or height is 0", "Create", ImageFile}},
+      {Format(10, -7, EPixelType::RGB, EDataType::UByte), {"Image width or height is 0", "Create", ImageFile}},
+      {Format(1, 1, 1234, EDataType::UByte), {"Unknown pixel type", "GetComponentCount", FormatFile}},
+      {Format(1, 1, 1234, 5128), {"Unknown data type 'Unknown'", "GetBytesPerChannel", FormatFile}}};
+  for (auto const& request : bad)
+    ExpectRaises([&] { image.Create(request.first); }, {{"Error creating image", "Create", ImageFile}, request.second});
+  EXPECT_TRUE(image.RawData() == block && image.GetByteCount() == 48 && !std::memcmp(block, pixels.data(), 48));
   int foreign = 0;
-  image.CreateMoniker(CNuImageFormat(1, 1, static_cast<EPixelType::ID>(77), EDataType::UByte), &foreign, 0, 0);
+  image.CreateMoniker(Format(1, 1, 77, EDataType::UByte), &foreign, 0, 0);  // a bad present format
   ExpectRaises([&] { image.Create(1, 1, EPixelType::Lum, EDataType::UByte); },
-               {{"Error creating image", "Create", ImageFile}, {"Unknown pixel type", "GetComponentCount", FormatFile}});
-  EXPECT_EQ(image.RawData(), &foreign);
-  EXPECT_TRUE(image.Borrows());
+               {{"Error creating image", "Create", ImageFile}, bad[2].second});
 }
 
-TEST(NuImage, CopyOwnsItsPixelsAndCarriesTagAndValue) {
+TEST(NuImage, CopiesOwnTheirPixelsMovesAndSwapsCarryEverythingAndASelfMoveEmpties) {
   std::vector<unsigned char> foreign(12, 7);
-  CInspectableImage source;
-  source.CreateMoniker(CNuImageFormat(2, 2, EPixelType::RGB, EDataType::UByte), foreign.data(), 2.5, 9u);
-  CInspectableImage copy(source);
-  EXPECT_TRUE(copy.IsValid());
-  EXPECT_FALSE(copy.Borrows());
-  EXPECT_NE(copy.RawData(), foreign.data());
-  EXPECT_EQ(copy.Tag(), 9u);
-  EXPECT_EQ(copy.Value(), 2.5);
-  EXPECT_EQ(std::memcmp(copy.GetDataPtr(), foreign.data(), 12), 0);
-
-  CInspectableImage assigned;
+  CImage source, assigned;
+  source.CreateMoniker(Format(2, 2, EPixelType::RGB, EDataType::UByte), foreign.data(), 2.5, 9u);
+  CImage const copy(source);
   assigned = copy;
-  EXPECT_EQ(std::memcmp(assigned.GetDataPtr(), foreign.data(), 12), 0);
-  EXPECT_NE(assigned.RawData(), copy.RawData());
-
+  for (CImage const* image : {&copy, static_cast<CImage const*>(&assigned)}) {
+    EXPECT_TRUE(!image->Borrows() && image->Tag() == 9u && image->Value() == 2.5 && image->RawData() != foreign.data());
+    EXPECT_EQ(std::memcmp(image->GetDataPtr(), foreign.data(), 12), 0);
+  }
   void const* block = assigned.RawData();
-  assigned = static_cast<CInspectableImage const&>(assigned);
+  Chain const invalid = {{"Error creating image copy", "Create", ImageFile},
+                         {"Given image is invalid", "Create", ImageFile}};
+  CImage const empty;
+  ExpectRaises([&] { assigned = empty; }, invalid);
+  ExpectRaises([&] { assigned.Create(static_cast<IImage const*>(nullptr)); }, invalid);
   EXPECT_EQ(assigned.RawData(), block);
-  EXPECT_EQ(static_cast<unsigned char const*>(assigned.GetDataPtr())[11], 7);
+  source.CreateMoniker(Format(1, 1, 5, EDataType::UByte), foreign.data(), 0, 0);
+  ExpectRaises([&] { CNuImage{source}; }, {{"Error creating image copy", "Create", ImageFile},
+                                          {"Error creating image", "Create", ImageFile},
+                                          {"Unknown pixel type", "GetComponentCount", FormatFile}});
+  // Borrowed memory is written, never freed; moves and Swap carry block, borrowing, tag and value.
+  foreign.assign(48, 5);
+  CImage image, other;
+  image.CreateMoniker(Format(4, 4, EPixelType::RGB, EDataType::UByte), foreign.data(), 1.5, 3u);
+  ASSERT_TRUE(image.Create(16, 1, EPixelType::RGB, EDataType::UByte, std::vector<unsigned char>(48, 9).data()));
+  EXPECT_TRUE(image.Borrows() && image.Tag() == 3u && foreign[47] == 9);  // written, still borrowed
+  ASSERT_TRUE(other.Create(3, 1, EPixelType::RGB, EDataType::Short));
+  block = other.RawData();
+  image.Swap(other);  // `image` borrows, so the pointer handed to `other` stays good
+  EXPECT_TRUE(image.RawData() == block && !image.Borrows() && image.GetByteCount() == 18u);
+  EXPECT_TRUE(other.RawData() == foreign.data() && other.Borrows() && other.Tag() == 3u && other.Value() == 1.5);
+  CImage moved(std::move(image));
+  EXPECT_TRUE(image.IsEmpty());
+  other = std::move(moved);
+  EXPECT_TRUE(other.RawData() == block && !other.Borrows() && moved.IsEmpty());
+  CImage& alias = other;
+  other = std::move(alias);
+  EXPECT_TRUE(other.IsEmpty());
 }
 
-TEST(NuImage, CopyOfAnImageWithoutMemoryRaises) {
-  CInspectableImage empty;
-  ExpectRaises([&] { CNuImage copy(empty); },
-               {{"Error creating image copy", "Create", ImageFile}, {"Given image is invalid", "Create", ImageFile}});
-  CInspectableImage target;
-  ASSERT_TRUE(target.Create(2, 2, EPixelType::Lum, EDataType::UByte));
-  void const* block = target.RawData();
-  ExpectRaises([&] { target = empty; },
-               {{"Error creating image copy", "Create", ImageFile}, {"Given image is invalid", "Create", ImageFile}});
-  EXPECT_EQ(target.RawData(), block);
-  ExpectRaises([&] { target.Create(static_cast<Nu::IImage const*>(nullptr)); },
-               {{"Error creating image copy", "Create", ImageFile}, {"Given image is invalid", "Create", ImageFile}});
+template <class TPixel>
+class PixelAccess : public testing::Test {};
+#define NU_PIXEL_TYPE_(L, C, A, R, G, B, Al, D, E) , NU_TPIXEL(L, C, A, R, G, B, Al, D, E)
+using AllPixels = testing::Types<TPixelOf<EPixelType::RGBA, EDataType::Byte> NU_ALL_PIXELS(NU_PIXEL_TYPE_)>;
+#undef NU_PIXEL_TYPE_
+TYPED_TEST_SUITE(PixelAccess, AllPixels);
+
+// Every overload copies the pixel's bytes at Data + (y * width + x) pixels; x may run into the next row.
+TYPED_TEST(PixelAccess, CopiesBytesAtTheAddressOfItsCoordinates) {
+  constexpr unsigned int size = sizeof(TypeParam);
+  CNuImage image;
+  ASSERT_TRUE(image.Create(5, 3, static_cast<EPixelType::ID>(TypeParam::PixelTypeId),
+                           static_cast<EDataType::ID>(TypeParam::DataTypeId)));
+  auto* bytes = static_cast<unsigned char*>(image.GetDataPtr());
+  for (unsigned int i = 0; i < 15 * size; ++i) bytes[i] = static_cast<unsigned char>(i * 7 + 1);
+  TypeParam pixel;
+  image.GetPixel(pixel, 6, 1);
+  EXPECT_EQ(std::memcmp(&pixel, bytes + 11 * size, size), 0);
+  image.SetPixel(pixel, 4, 2);
+  EXPECT_EQ(std::memcmp(bytes + 14 * size, bytes + 11 * size, size), 0);
 }
 
-TEST(NuImage, CopyOfABadFormatRaisesThreeLevels) {
-  int foreign = 0;
-  CNuImage source;
-  source.CreateMoniker(CNuImageFormat(1, 1, static_cast<EPixelType::ID>(5), EDataType::UByte), &foreign, 0, 0);
-  CNuImage target;
-  ExpectRaises([&] { target.Create(source); },
-               {{"Error creating image copy", "Create", ImageFile},
-                {"Error creating image", "Create", ImageFile},
-                {"Unknown pixel type", "GetComponentCount", FormatFile}});
+TEST(NuImageSet, CopiesIntoAnOwnBlockOnlyAlwaysReturnsFalseAndSetZeroClearsAnyMemory) {
+  unsigned char const bytes[10] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+  CNuImage packed, borrowing;
+  ASSERT_TRUE(packed.Create(8, 1, EPixelType::Lum, EDataType::Integral_5per4));
+  EXPECT_FALSE(packed.Set(bytes) || CNuImage().Set(bytes));
+  EXPECT_EQ(std::memcmp(packed.GetDataPtr(), bytes, 10), 0);
+  std::vector<unsigned char> foreign(13, 0xEE);
+  borrowing.CreateMoniker(Format(3, 2, EPixelType::LumA, 5129), foreign.data(), 0, 0);
+  EXPECT_FALSE(borrowing.Set(bytes));  // refused before its unknown format is asked for a size
+  borrowing.CreateMoniker(Format(3, 2, EPixelType::LumA, EDataType::UByte), foreign.data(), 0, 0);
+  borrowing.SetZero();
+  EXPECT_EQ(foreign, (std::vector<unsigned char>{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xEE}));
+  ExpectedLevel const zero{"Error setting image to zero", "SetZero", ImageFile};
+  ExpectRaises([] { CNuImage().SetZero(); }, {zero, {"This image is invalid", "SetZero", ImageFile}});
+  // Only a derived class can give an own block an unknown format: Set raises bare, SetZero wraps.
+  struct CCorrupt : CNuImage {
+    void Corrupt() { Format.PixelType = static_cast<EPixelType::ID>(6406); }
+  } image;
+  ASSERT_TRUE(image.Create(2, 2, EPixelType::Lum, EDataType::UByte));
+  image.Corrupt();
+  ExpectedLevel const unknown{"Unknown pixel type", "GetComponentCount", FormatFile};
+  ExpectRaises([&] { image.Set(bytes); }, {unknown});
+  ExpectRaises([&] { image.SetZero(); }, {zero, unknown});
 }
 
-TEST(NuImage, MoveTakesTheBlockAndEmptiesTheSource) {
-  CInspectableImage source;
-  ASSERT_TRUE(source.Create(3, 3, EPixelType::LumA, EDataType::Float));
-  void const* block = source.RawData();
-  CInspectableImage moved(std::move(source));
-  EXPECT_EQ(moved.RawData(), block);
-  ExpectEmpty(source);
-  CInspectableImage assigned;
-  ASSERT_TRUE(assigned.Create(1, 1, EPixelType::Lum, EDataType::UByte));
-  assigned = std::move(moved);
-  EXPECT_EQ(assigned.RawData(), block);
-  ExpectEmpty(moved);
-  // A self-move empties the image and releases its block, by design.
-  CInspectableImage& alias = assigned;
-  assigned = std::move(alias);
-  ExpectEmpty(assigned);
-  CInspectableImage empty;
-  CInspectableImage fromEmpty(std::move(empty));
-  ExpectEmpty(fromEmpty);
-}
-
-TEST(NuImage, BorrowingImageStatesAndTransitions) {
-  std::vector<unsigned char> foreign(48, 5);
-  CInspectableImage image;
-  image.CreateMoniker(CNuImageFormat(4, 4, EPixelType::RGB, EDataType::UByte), foreign.data(), 1.5, 3u);
-  EXPECT_TRUE(image.IsValid());
-  EXPECT_TRUE(image.Borrows());
-  // Equal byte count: still borrowing, data copied into the foreign memory.
-  std::vector<unsigned char> fresh(48, 9);
-  ASSERT_TRUE(image.Create(16, 1, EPixelType::RGB, EDataType::UByte, fresh.data()));
-  EXPECT_TRUE(image.Borrows());
-  EXPECT_EQ(image.RawData(), foreign.data());
-  EXPECT_EQ(foreign[47], 9);
-  EXPECT_EQ(image.Tag(), 3u);
-  // Another byte count: an own block; the foreign memory is left alone.
-  ASSERT_TRUE(image.Create(2, 2, EPixelType::RGB, EDataType::UByte));
-  EXPECT_FALSE(image.Borrows());
-  EXPECT_NE(image.RawData(), foreign.data());
-  EXPECT_EQ(foreign[0], 9);
-  image.Destroy();
-  ExpectEmpty(image);
-
-  // A null borrowed pointer: format set, not valid; an equal-size Create keeps Data null.
-  image.CreateMoniker(CNuImageFormat(4, 4, EPixelType::RGB, EDataType::UByte), nullptr, 0, 0);
-  EXPECT_FALSE(image.IsValid());
-  EXPECT_TRUE(image.Borrows());
-  ASSERT_TRUE(image.Create(4, 4, EPixelType::RGB, EDataType::UByte));
-  EXPECT_EQ(image.RawData(), nullptr);
-  EXPECT_TRUE(image.Destroy());
-  EXPECT_TRUE(image.Destroy());
-}
-
-TEST(NuImage, SwapKeepsItsHistoricOrder) {
-  std::vector<unsigned char> foreign(4, 1);
-  CInspectableImage borrowing;
-  borrowing.CreateMoniker(CNuImageFormat(2, 2, EPixelType::Lum, EDataType::UByte), foreign.data(), 0.5, 1u);
-  CInspectableImage owning;
-  ASSERT_TRUE(owning.Create(3, 1, EPixelType::RGB, EDataType::Short));
-  void const* block = owning.RawData();
-  // This image borrows, so the pointer handed to `owning` stays good.
-  borrowing.Swap(owning);
-  EXPECT_EQ(borrowing.RawData(), block);
-  EXPECT_FALSE(borrowing.Borrows());
-  EXPECT_EQ(borrowing.GetByteCount(), 18u);
-  EXPECT_EQ(owning.RawData(), foreign.data());
-  EXPECT_TRUE(owning.Borrows());
-  EXPECT_EQ(owning.Tag(), 1u);
-  EXPECT_EQ(owning.Value(), 0.5);
-
-  CInspectableImage empty;
-  empty.Swap(borrowing);
-  EXPECT_EQ(empty.RawData(), block);
-  ExpectEmpty(borrowing);
+TEST(NuImageNormalize, StretchesLumFloatWithSeedsAsInnerLimitsRereadingTheVirtualPixelCount) {
+  float const nan = std::numeric_limits<float>::quiet_NaN();
+  std::pair<std::vector<float>, std::vector<float>> const cases[] = {
+      {{2, 4, 6}, {0, 0.5f, 1}}, {{1, nan, 3}, {0, nan, 1}}, {{2e9f, 3e9f}, {0.5f, 1}}, {{-3e9f, -2e9f}, {0, 0.5f}},
+      {{3, 3, 3}, {3, 3, 3}},    {{1e-10f, 2e-10f}, {1e-10f, 2e-10f}}};  // no range: untouched, still true
+  for (auto const& [pixels, expected] : cases) {
+    CNuImage image;
+    ASSERT_TRUE(image.Create(static_cast<int>(pixels.size()), 1, EPixelType::Lum, EDataType::Float, pixels.data()));
+    EXPECT_TRUE(image.Normalize());
+    EXPECT_EQ(std::memcmp(image.GetDataPtr(), expected.data(), 4 * pixels.size()), 0) << testing::PrintToString(pixels);
+  }
+  EXPECT_FALSE(CNuImage(Format(2, 1, EPixelType::Lum, EDataType::Double)).Normalize() ||
+               CNuImage(Format(2, 1, EPixelType::LumA, EDataType::Float)).Normalize());
+  // The first pass sees pixels 0 and 1 (bounds 4, 3, 2): range 0..8. The second sees pixel 0 only.
+  struct CShrinking : CNuImage {
+    mutable unsigned int Queries = 0;
+    unsigned int GetPixelCount() const override { return CNuImage::GetPixelCount() - std::min(Queries++, 4u); }
+  } image;
+  float const pixels[4] = {0, 8, 4, 2};
+  ASSERT_TRUE(image.Create(4, 1, EPixelType::Lum, EDataType::Float, pixels));
+  EXPECT_TRUE(image.Normalize());
+  EXPECT_EQ(static_cast<float const*>(image.GetDataPtr())[1], 8.0f);
 }

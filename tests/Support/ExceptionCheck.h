@@ -4,43 +4,46 @@
 #include <gtest/gtest.h>
 
 #include <initializer_list>
-#include <string>
 
 namespace NuTest {
 
-// One level of an expected exception chain, outermost first.
-struct ExpectedLevel {
-  char const* Message;
-  char const* Function;
-  char const* File;  // null: not checked
-};
+// The source paths that the library's raises name.
+inline constexpr char ArrayFile[] = "Nu.Core.Ex/NuArrayBase.h";
+inline constexpr char Array2DFile[] = "Nu.Core.Ex/NuArray2DBase.h";
+inline constexpr char MatrixFile[] = "Nu.Core.Math/NuMatrix.h";
+inline constexpr char FormatFile[] = "Nu.Core.Ex/NuImageFormat.h";
+inline constexpr char ImageFile[] = "Nu.Core.Ex/NuImage.cpp";
+inline constexpr char MonikerFile[] = "Nu.Core.Ex/NuImageMoniker.cpp";
+inline constexpr char MappingFile[] = "Nu.Core.Ex/NuMapping3D.cpp";
 
-// Checks the whole inner chain of a raised CNuException, level by level, and that it ends.
-inline void ExpectChain(Nu::IException const& e, std::initializer_list<ExpectedLevel> levels) {
+// One level of an exception chain; a Chain lists them outermost first.
+struct ExpectedLevel {
+  char const *Message, *Function, *File;
+};
+using Chain = std::initializer_list<ExpectedLevel>;
+
+// Checks every level of an exception's inner chain, and that the chain ends there.
+inline void ExpectChain(Nu::IException const& e, Chain levels) {
   Nu::IException const* level = &e;
-  int depth = 0;
   for (ExpectedLevel const& expected : levels) {
-    SCOPED_TRACE("level " + std::to_string(depth++));
+    SCOPED_TRACE(expected.Message);
     ASSERT_NE(level, nullptr) << "chain ends early";
     EXPECT_STREQ(level->GetMessageText(), expected.Message);
     EXPECT_STREQ(level->GetFunction(), expected.Function);
-    if (expected.File != nullptr) {
-      EXPECT_STREQ(level->GetFile(), expected.File);
-    }
+    EXPECT_STREQ(level->GetFile(), expected.File);
     EXPECT_GT(level->GetLine(), 0);
     level = level->GetInnerException();
   }
   EXPECT_EQ(level, nullptr) << "chain is longer than expected: " << level->GetMessageText();
 }
 
-// Runs `call`, which must raise a CNuException with exactly this chain.
-template <class TCall>
-void ExpectRaises(TCall&& call, std::initializer_list<ExpectedLevel> levels) {
+// Runs `call`, which must raise a TException with exactly this chain; other exceptions escape.
+template <class TException = Nu::CNuException, class TCall>
+void ExpectRaises(TCall&& call, Chain levels) {
   try {
     call();
-  } catch (Nu::CNuException const& e) {
-    ExpectChain(e, levels);
-    return;
+  } catch (TException const& e) {
+    return ExpectChain(e, levels);
   }
   ADD_FAILURE() << "nothing was raised";
 }
