@@ -5,236 +5,109 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <numeric>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 using Nu::CNuMapping3D;
-using NuTest::ExpectRaises;
+using namespace NuTest;
 
 namespace {
 
-constexpr char MappingFile[] = "Nu.Core.Ex/NuMapping3D.cpp";
 constexpr float NaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float Refused = 1000.0f;
 
-// Each node holds its own float index + 1, so a mapped z tells which node was used.
-std::vector<float> Numbered(std::size_t count) {
-  std::vector<float> nodes(count);
-  std::iota(nodes.begin(), nodes.end(), 1.0f);
-  return nodes;
-}
-
-// A box of 0..3, 0..2, 0..2 with counts 4, 3, 3: every step is 1.
+// A box of 0..3, 0..2, 0..2 with counts 4, 3, 3 (every step 1); node i holds i + 1, so a mapped z
+// tells which node was used.
 CNuMapping3D UnitSteps() {
+  std::vector<float> nodes(36);
+  std::iota(nodes.begin(), nodes.end(), 1.0f);
   CNuMapping3D mapping;
-  std::vector<float> const nodes = Numbered(36);
   EXPECT_TRUE(mapping.Create(0, 0, 0, 3, 2, 2, 4, 3, 3, nodes.data()));
   return mapping;
 }
 
-// The z that Map gives, or 1000 when Map refuses; x and y must never change.
+// The z that Map gives, or Refused where it refuses with z untouched; x and y never change.
 float MappedZ(CNuMapping3D& mapping, float x, float y, float z) {
-  float const x0 = x;
-  float const y0 = y;
-  bool const mapped = mapping.Map(x, y, z);
-  EXPECT_EQ(x, x0);
-  EXPECT_EQ(y, y0);
-  return mapped ? z : 1000.0f;
+  float point[3] = {x, y, z};
+  bool const mapped = mapping.Map(point[0], point[1], point[2]);
+  EXPECT_EQ(std::memcmp(point, &x, 4) + std::memcmp(point + 1, &y, 4), 0);
+  EXPECT_TRUE(mapped || std::memcmp(point + 2, &z, 4) == 0);
+  return mapped ? point[2] : Refused;
 }
-
-// A mapping whose size queries raise, to reach the wraps.
-class FailingMapping : public CNuMapping3D {
-public:
-  unsigned int GetByteCount() const override {
-    if (Fail) NU_RAISE("Failing.h", "no byte count");
-    return CNuMapping3D::GetByteCount();
-  }
-  bool Fail = false;
-};
 
 }  // namespace
 
-TEST(NuMapping3D, EmptyMappingRefusesEverything) {
-  CNuMapping3D mapping;
-  EXPECT_FALSE(mapping.IsValid());
-  EXPECT_EQ(mapping.GetByteCount(), 0u);
-  EXPECT_EQ(mapping.GetDataPtr(), nullptr);
-  float x = 0.5f, y = 0.5f, z = 0.5f;
-  EXPECT_FALSE(mapping.Map(x, y, z));
-  EXPECT_EQ(z, 0.5f);
-  float const node = 1.0f;
-  EXPECT_FALSE(mapping.Set(&node));
-  mapping.SetZero();
-  EXPECT_TRUE(mapping.Destroy());
-  EXPECT_TRUE(mapping.Destroy());
-}
-
-TEST(NuMapping3D, NodeTableRunsYFastestThenXThenZ) {
-  CNuMapping3D mapping = UnitSteps();
-  EXPECT_EQ(mapping.GetByteCount(), 144u);
-  // ix 2, iy 1, iz 1: float index 1 * 12 + 2 * 3 + 1 = 19.
-  EXPECT_EQ(MappedZ(mapping, 2.5f, 1.5f, 1.5f), 1.5f + 20.0f);
-  EXPECT_EQ(MappedZ(mapping, 0.5f, 0.5f, 0.5f), 0.5f + 1.0f);
-  EXPECT_EQ(MappedZ(mapping, 0.5f, 1.5f, 0.5f), 0.5f + 2.0f);
-  EXPECT_EQ(MappedZ(mapping, 1.5f, 0.5f, 0.5f), 0.5f + 4.0f);
-}
-
-TEST(NuMapping3D, MapTruncatesToTheLowerCornerNode) {
-  CNuMapping3D mapping;
-  std::vector<float> nodes(8, 5.0f);
-  nodes[0] = 0.25f;
-  ASSERT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nodes.data()));
-  EXPECT_EQ(MappedZ(mapping, 0.5f, 0.5f, 0.5f), 0.75f);
-  EXPECT_EQ(MappedZ(mapping, 0.999f, 0.999f, 0.999f), 0.999f + 0.25f);
-}
-
-TEST(NuMapping3D, FacesEdgesCornersAndNaNAreOutside) {
-  CNuMapping3D mapping = UnitSteps();
-  struct Point {
-    float X, Y, Z;
+TEST(NuMapping3D, MapAddsTheLowerCornerNodeYFastestThenXThenZStrictlyInsideAndNeverAZeroNode) {
+  CNuMapping3D mapping = UnitSteps(), empty;
+  struct Case {
+    float X, Y, Z, Expected;
+  } const cases[] = {
+      {2.5f, 1.5f, 1.5f, 1.5f + 20},  // node 1 * 12 + 2 * 3 + 1
+      {0.5f, 1.5f, 0.5f, 0.5f + 2},  {1.5f, 0.5f, 0.5f, 0.5f + 4},
+      {0.999f, 0.999f, 0.999f, 0.999f + 1},  // truncated, not rounded
+      {0, 0.5f, 0.5f, Refused},      {3, 0.5f, 0.5f, Refused}, {1, 0, 1, Refused},   {1, 1, 2, Refused},
+      {-1, 1, 1, Refused},           {NaN, 1, 1, Refused},     {1, NaN, 1, Refused}, {1, 1, NaN, Refused},
   };
-  for (Point p :
-       {Point{0, 0.5f, 0.5f}, Point{3, 0.5f, 0.5f}, Point{1, 0, 1}, Point{1, 1, 2}, Point{0, 0, 0},
-        Point{3, 2, 2}, Point{-1, 1, 1}, Point{NaN, 1, 1}, Point{1, NaN, 1}, Point{1, 1, NaN}}) {
-    SCOPED_TRACE(testing::Message() << p.X << ", " << p.Y << ", " << p.Z);
-    EXPECT_FALSE(mapping.Contains(p.X, p.Y, p.Z));
-    float x = p.X, y = p.Y, z = p.Z;
-    EXPECT_FALSE(mapping.Map(x, y, z));
+  for (Case const& c : cases) EXPECT_EQ(MappedZ(mapping, c.X, c.Y, c.Z), c.Expected) << c.X << " " << c.Y << " " << c.Z;
+  EXPECT_EQ(MappedZ(empty, 0.5f, 0.5f, 0.5f), Refused);
+  for (float node : {0.0f, -0.0f, NaN}) {
+    std::vector<float> const nodes(8, node);
+    ASSERT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nodes.data()));
+    float const z = MappedZ(mapping, 0.5f, 0.5f, 0.5f);
+    EXPECT_TRUE(std::isnan(node) ? std::isnan(z) : z == Refused) << node;
   }
-  EXPECT_TRUE(mapping.Contains(0.001f, 1.999f, 1.0f));
-}
-
-TEST(NuMapping3D, ZeroNodesRefuseAndNaNNodesApply) {
-  CNuMapping3D mapping;
-  ASSERT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nullptr));
-  for (float node : {0.0f, -0.0f}) {
-    std::vector<float> nodes(8, node);
-    mapping.Set(nodes.data());
-    float x = 0.5f, y = 0.5f, z = 0.5f;
-    EXPECT_FALSE(mapping.Map(x, y, z));
-    EXPECT_EQ(z, 0.5f);
-  }
-  std::vector<float> const nans(8, NaN);
-  mapping.Set(nans.data());
-  float x = 0.5f, y = 0.5f, z = 0.5f;
-  EXPECT_TRUE(mapping.Map(x, y, z));
-  EXPECT_TRUE(std::isnan(z));
-}
-
-TEST(NuMapping3D, OneNodeAxisHasAnInfiniteStepAndIndexZero) {
-  CNuMapping3D mapping;
-  std::vector<float> const nodes = Numbered(4);
-  ASSERT_TRUE(mapping.Create(0, 0, 0, 10, 1, 1, 1, 2, 2, nodes.data()));
-  EXPECT_EQ(MappedZ(mapping, 9.5f, 0.5f, 0.5f), 0.5f + 1.0f);
-  EXPECT_EQ(MappedZ(mapping, 0.5f, 0.5f, 0.5f), 0.5f + 1.0f);
-  // min == max: the step is a NaN, and no point lies inside.
-  ASSERT_TRUE(mapping.Create(2, 0, 0, 2, 1, 1, 1, 2, 2, nodes.data()));
-  EXPECT_FALSE(mapping.Contains(2, 0.5f, 0.5f));
-}
-
-TEST(NuMapping3D, AQuotientThatIsNoNumberIsRefused) {
-  // Max - Min overflows: the step is infinite, and far from MinX x - MinX is infinite too, so
-  // the quotient is a NaN. Its conversion must not be undefined; it is refused.
-  CNuMapping3D mapping;
-  std::vector<float> const nodes(8, 1.0f);
-  ASSERT_TRUE(mapping.Create(-3e38f, 0, 0, 3e38f, 1, 1, 2, 2, 2, nodes.data()));
-  EXPECT_EQ(MappedZ(mapping, 2e38f, 0.5f, 0.5f), 1000.0f);
+  // One node on z: an infinite step, index 0. Max - Min overflows on x: an infinite step too, so far
+  // from MinX the quotient is a NaN, which must be refused, not converted.
+  std::vector<float> const nodes = {1, 2, 3, 4};
+  ASSERT_TRUE(mapping.Create(-3e38f, 0, 0, 3e38f, 1, 1, 2, 2, 1, nodes.data()));
   EXPECT_EQ(MappedZ(mapping, 0.0f, 0.5f, 0.5f), 1.5f);
+  EXPECT_EQ(MappedZ(mapping, 2e38f, 0.5f, 0.5f), Refused);
 }
 
-TEST(NuMapping3D, AnInvertedBoxIsAcceptedButContainsNothing) {
-  CNuMapping3D mapping;
-  ASSERT_TRUE(mapping.Create(1, 0, 0, 0, 1, 1, 2, 2, 2, nullptr));
-  EXPECT_TRUE(mapping.IsValid());
-  EXPECT_FALSE(mapping.Contains(0.5f, 0.5f, 0.5f));
-}
-
-TEST(NuMapping3D, CreateKeepsTheBlockWhileTheByteCountIsUnchanged) {
-  CNuMapping3D mapping;
-  std::vector<float> const nodes = Numbered(24);
-  ASSERT_TRUE(mapping.Create(0, 0, 0, 1, 2, 3, 2, 3, 4, nodes.data()));
+TEST(NuMapping3D, CreateKeepsTheBlockWhileTheWrappingByteCountStaysCopiesOwnTheirTableAndMovesTakeIt) {
+  CNuMapping3D mapping = UnitSteps(), assigned;
   float const* block = mapping.GetDataPtr();
-  ASSERT_TRUE(mapping.Create(0, 0, 0, 3, 2, 1, 4, 3, 2, nullptr));
-  EXPECT_EQ(mapping.GetDataPtr(), block);
-  EXPECT_EQ(mapping.GetDataPtr()[23], 24.0f);  // old values under the new box
-  ASSERT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nullptr));
-  EXPECT_EQ(mapping.GetByteCount(), 32u);
-}
-
-TEST(NuMapping3D, BadCountsEmptyTheMappingWithoutRaising) {
-  for (auto counts : {std::tuple{0, 2, 2}, {2, -1, 2}, {2, 2, 0}}) {
-    CNuMapping3D mapping = UnitSteps();
-    auto [cx, cy, cz] = counts;
-    EXPECT_FALSE(mapping.Create(0, 0, 0, 1, 1, 1, cx, cy, cz, nullptr));
-    EXPECT_FALSE(mapping.IsValid());
-    EXPECT_EQ(mapping.GetByteCount(), 0u);
-  }
-}
-
-TEST(NuMapping3D, ByteCountWrapsAt32Bits) {
-  CNuMapping3D mapping;
-  EXPECT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 32768, 32768, 1, nullptr));
-  EXPECT_EQ(mapping.GetByteCount(), 0u);
-  EXPECT_FALSE(mapping.IsValid());
-}
-
-TEST(NuMapping3D, SetCopiesTheTableAndStillReturnsFalse) {
-  CNuMapping3D mapping = UnitSteps();
-  std::vector<float> const nodes(36, 2.0f);
-  EXPECT_FALSE(mapping.Set(nodes.data()));
-  EXPECT_EQ(mapping.GetDataPtr()[35], 2.0f);
+  CNuMapping3D copy(mapping);
+  assigned = mapping;
+  assigned = static_cast<CNuMapping3D const&>(assigned);
+  ASSERT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 3, 3, 4, nullptr));
+  EXPECT_TRUE(mapping.GetDataPtr() == block && block[35] == 36.0f);  // old values under the new box
+  std::vector<float> const twos(36, 2.0f);
+  EXPECT_TRUE(!mapping.Set(twos.data()) && block[0] == 2.0f && block[35] == 2.0f);
   mapping.SetZero();
-  EXPECT_EQ(mapping.GetDataPtr()[35], 0.0f);
-  EXPECT_EQ(mapping.GetDataPtr()[0], 0.0f);
-}
-
-TEST(NuMapping3D, CopiesOwnTheirTable) {
-  CNuMapping3D original = UnitSteps();
-  CNuMapping3D copy(original);
-  CNuMapping3D assigned;
-  assigned = original;
-  EXPECT_NE(copy.GetDataPtr(), original.GetDataPtr());
-  original.SetZero();
-  EXPECT_EQ(MappedZ(copy, 2.5f, 1.5f, 1.5f), 21.5f);
-  EXPECT_EQ(MappedZ(assigned, 2.5f, 1.5f, 1.5f), 21.5f);
-  assigned = *&assigned;
-  EXPECT_EQ(MappedZ(assigned, 2.5f, 1.5f, 1.5f), 21.5f);
-
-  CNuMapping3D const empty;
-  EXPECT_FALSE(assigned.Create(empty));
+  EXPECT_EQ(block[0] + block[35], 0.0f);
+  EXPECT_EQ(MappedZ(copy, 2.5f, 1.5f, 1.5f) + MappedZ(assigned, 2.5f, 1.5f, 1.5f), 43.0f);
+  block = copy.GetDataPtr();
+  CNuMapping3D moved(std::move(copy));
+  assigned = std::move(moved);
+  EXPECT_TRUE(assigned.GetDataPtr() == block && !copy.IsValid() && !moved.IsValid() && moved.GetByteCount() == 0);
+  CNuMapping3D& alias = assigned;
+  EXPECT_TRUE(assigned.Create(std::move(alias)));  // a self-move empties
   EXPECT_FALSE(assigned.IsValid());
-}
-
-TEST(NuMapping3D, MoveTakesTheBlockAndEmptiesTheSource) {
-  CNuMapping3D source = UnitSteps();
-  float const* block = source.GetDataPtr();
-  CNuMapping3D moved(std::move(source));
-  EXPECT_EQ(moved.GetDataPtr(), block);
-  EXPECT_FALSE(source.IsValid());
-  EXPECT_EQ(source.GetByteCount(), 0u);
-  EXPECT_EQ(MappedZ(moved, 2.5f, 1.5f, 1.5f), 21.5f);
-  CNuMapping3D target = UnitSteps();
-  target = std::move(moved);
-  EXPECT_EQ(target.GetDataPtr(), block);
-  EXPECT_FALSE(moved.IsValid());
-}
-
-TEST(NuMapping3D, SelfMoveEmptiesTheMapping) {
-  CNuMapping3D mapping = UnitSteps();
-  CNuMapping3D& alias = mapping;
-  EXPECT_TRUE(mapping.Create(std::move(alias)));
+  for (auto [x, y, z] : {std::tuple{0, 2, 2}, {2, -1, 2}, {2, 2, 0}}) {
+    ASSERT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nullptr));
+    EXPECT_FALSE(mapping.Create(0, 0, 0, 1, 1, 1, x, y, z, nullptr) || mapping.IsValid() || copy.Create(mapping));
+  }
+  EXPECT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 32768, 32768, 1, nullptr));  // 2^32 bytes wrap to 0
   EXPECT_FALSE(mapping.IsValid());
-  EXPECT_EQ(mapping.GetByteCount(), 0u);
 }
 
 TEST(NuMapping3D, WrapsNameTheOperationAroundTheCause) {
-  FailingMapping mapping;
+  struct CFailing : CNuMapping3D {
+    unsigned int GetByteCount() const override {
+      if (Fail) NU_RAISE("Failing.h", "no byte count");
+      return CNuMapping3D::GetByteCount();
+    }
+    bool Fail = false;
+  } mapping;
   ASSERT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nullptr));
   mapping.Fail = true;
+  ExpectedLevel const cause{"no byte count", "GetByteCount", "Failing.h"};
   ExpectRaises([&] { mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nullptr); },
-               {{"Error creating mapping", "Create", MappingFile},
-                {"no byte count", "GetByteCount", "Failing.h"}});
-  ExpectRaises([&] { mapping.SetZero(); }, {{"Error setting image to zero", "SetZero", MappingFile},
-                                            {"no byte count", "GetByteCount", "Failing.h"}});
+               {{"Error creating mapping", "Create", MappingFile}, cause});
+  ExpectRaises([&] { mapping.SetZero(); }, {{"Error setting image to zero", "SetZero", MappingFile}, cause});
 }
