@@ -1,6 +1,5 @@
-// The image's own allocation failing. This binary replaces malloc for the whole process (the
-// library's calls bind to the executable's definition), so it is built without sanitizers,
-// whose allocators cannot be replaced.
+// The image's own malloc failing, and its free watched. This binary replaces both for the whole
+// process, which the sanitizers' allocators do not allow, so it is built in plain builds only.
 #include <Nu.Core.Ex/NuImage.h>
 
 #include <Support/ExceptionCheck.h>
@@ -10,71 +9,61 @@
 #include <cstddef>
 
 extern "C" void* __libc_malloc(std::size_t size);
+extern "C" void __libc_free(void* block);
 
 namespace {
 
-// The number of malloc calls still to succeed before one fails; negative: never fail.
-int MallocsBeforeFailure = -1;
+bool FailNextMalloc = false;
+void const* LastFreed = nullptr;
 
-class FailingMalloc {
-public:
-  explicit FailingMalloc(int successesFirst = 0) { MallocsBeforeFailure = successesFirst; }
-  ~FailingMalloc() { MallocsBeforeFailure = -1; }
+// Fails the next malloc within its lifetime.
+struct FailingMalloc {
+  FailingMalloc() { FailNextMalloc = true; }
+  ~FailingMalloc() { FailNextMalloc = false; }
 };
-
-constexpr char ImageFile[] = "Nu.Core.Ex/NuImage.cpp";
 
 }  // namespace
 
 extern "C" void* malloc(std::size_t size) {
-  if (MallocsBeforeFailure == 0) {
-    MallocsBeforeFailure = -1;
-    return nullptr;
-  }
-  if (MallocsBeforeFailure > 0) --MallocsBeforeFailure;
-  return __libc_malloc(size);
+  bool const fail = FailNextMalloc;
+  FailNextMalloc = false;
+  return fail ? nullptr : __libc_malloc(size);
 }
 
-using Nu::CNuImage;
-using Nu::EDataType;
-using Nu::EPixelType;
+extern "C" void free(void* block) {
+  LastFreed = block;
+  __libc_free(block);
+}
 
-TEST(ImageOutOfMemory, CreateEndsEmptyWithAPlainException) {
-  CNuImage image;
+using namespace Nu;
+using NuTest::ImageFile;
+
+TEST(ImageAllocation, CreateAndCopyEndEmptyOnAFailedMallocAndSwapReleasesTheBlockItHandsOver) {
+  CNuImage image, source;
   ASSERT_TRUE(image.Create(4, 4, EPixelType::RGB, EDataType::UByte));
-  try {
-    FailingMalloc failing;
-    image.Create(8, 8, EPixelType::RGB, EDataType::UByte);
-    ADD_FAILURE() << "nothing was raised";
-  } catch (Nu::CNuException const& e) {
-    NuTest::ExpectChain(e, {{"Error creating image", "Create", ImageFile}, {"Out of memory", "Create", ImageFile}});
-    EXPECT_STREQ(e.GetInnerException()->GetName(), "Nu.Exception");  // not the containers' exception
-  }
-  // The old block went before the allocation was tried.
-  EXPECT_FALSE(image.IsValid());
-  EXPECT_EQ(image.GetByteCount(), 0u);
-}
-
-TEST(ImageOutOfMemory, CopyReportsThreeLevels) {
-  CNuImage source;
   ASSERT_TRUE(source.Create(3, 3, EPixelType::Lum, EDataType::Float));
-  CNuImage target;
+  EXPECT_TRUE([&] { FailingMalloc f; return image.Create(16, 3, EPixelType::Lum, EDataType::UByte); }());
+  NuTest::ExpectRaises([&] { FailingMalloc f; image.Create(8, 8, EPixelType::RGB, EDataType::UByte); },
+                       {{"Error creating image", "Create", ImageFile}, {"Out of memory", "Create", ImageFile}});
+  EXPECT_TRUE(!image.IsValid() && image.GetByteCount() == 0);  // the old block went before the allocation
   try {
-    FailingMalloc failing;
-    target = source;
+    FailingMalloc f;
+    image = source;
     ADD_FAILURE() << "nothing was raised";
-  } catch (Nu::CNuException const& e) {
+  } catch (CNuException const& e) {
     NuTest::ExpectChain(e, {{"Error creating image copy", "Create", ImageFile},
                             {"Error creating image", "Create", ImageFile},
                             {"Out of memory", "Create", ImageFile}});
+    EXPECT_STREQ(e.GetInnerException()->GetInnerException()->GetName(), "Nu.Exception");  // not the containers' kind
   }
-  EXPECT_FALSE(target.IsValid());
-}
-
-TEST(ImageOutOfMemory, EqualByteCountNeedsNoAllocation) {
-  CNuImage image;
-  ASSERT_TRUE(image.Create(4, 4, EPixelType::RGB, EDataType::UByte));
-  FailingMalloc failing;
-  EXPECT_TRUE(image.Create(16, 3, EPixelType::Lum, EDataType::UByte));
-  EXPECT_TRUE(image.IsValid());
+  // Where the image owned its block, Swap hands that block to the other image and then releases it.
+  struct CForgetful : CNuImage {
+    void Forget() { Data = nullptr; }
+  } owning, other;
+  ASSERT_TRUE(owning.Create(2, 2, EPixelType::Lum, EDataType::UByte));
+  ASSERT_TRUE(other.Create(3, 1, EPixelType::Lum, EDataType::UByte));
+  void const* block = owning.GetDataPtr();
+  owning.Swap(other);
+  EXPECT_TRUE(LastFreed == block && other.GetDataPtr() == block && owning.GetByteCount() == 3);
+  other.Forget();  // its block is released already
 }
