@@ -19,12 +19,9 @@ public:
     Size -= n;
     return value;
   }
-
   // A value in [0, bound).
   unsigned int Below(unsigned int bound) { return bound == 0 ? 0 : Take<std::uint16_t>() % bound; }
   bool Empty() const { return Size == 0; }
-  std::uint8_t const* Rest() const { return Data; }
-  std::size_t RestSize() const { return Size; }
 
 private:
   std::uint8_t const* Data;
