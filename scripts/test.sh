@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Builds and runs the whole test suite: optimised with g++ (warnings are errors), the exported
-# symbol guard, an outside program against the installed tree, then everything again with clang
-# under AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer, valgrind memcheck over a
-# subset, and each libFuzzer target for a bounded time (NU_FUZZ_SECONDS, default 30).
+# Builds and runs the whole test suite: optimised with g++ (warnings are errors) with its CTest
+# suite, the exported symbol guard among them (scripts/abi.sh), an outside program against the
+# installed tree, valgrind memcheck over a subset, everything again with clang under
+# AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer, and each libFuzzer target for a
+# bounded time (NU_FUZZ_SECONDS, default 30).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
@@ -30,7 +31,6 @@ sanitize() {
 }
 
 stage release release
-stage abi scripts/abi.sh build/release
 stage downstream scripts/downstream.sh build/release
 stage memcheck scripts/memcheck.sh build/release
 stage sanitize sanitize
