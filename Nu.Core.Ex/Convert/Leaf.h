@@ -27,6 +27,9 @@ struct TPair {
 
   template <ELevel L>
   static constexpr SPlan PlanAt = PlanOf(Key, L);
+  // Read at compile time only: a run-time use of Key would make some compilers emit its
+  // template parameter object as an exported symbol.
+  static constexpr std::uint64_t RunKey = PackRunKey(Key);
 
   // ---- the plain forward passes, for short runs and runs that overlap (a conversion in place):
   // every read sees the writes before it, in the documented order. The elements are read and
@@ -159,7 +162,7 @@ struct TPair {
     else
       return nullptr;
   }
-  static SPairRun Kernels() noexcept { return {&Forward, Producer(), AlphaPasser(), PackRunKey(Key)}; }
+  static SPairRun Kernels() noexcept { return {&Forward, Producer(), AlphaPasser(), RunKey}; }
 
   // The entry of the pair's leaves; runs too short for the fused path go straight to the
   // forward passes, before anything asks the CPU.
@@ -168,7 +171,7 @@ struct TPair {
     if constexpr (Key.LumAShift)
       ConvertRunLumA(count, trg, src, Kernels());
     else
-      ConvertRun(count, trg, src, &Forward, Producer(), PackRunKey(Key));
+      ConvertRun(count, trg, src, &Forward, Producer(), RunKey);
   }
 };
 

@@ -119,9 +119,11 @@ TEST_P(ConvertLevels, ValueKernelsMatchTheReference) {
       for (std::size_t start : {0, 1, 3}) runs.emplace_back(start, length);
     for (auto const& [start, length] : runs) {
       NuTest::SGuarded out(length * trg.Bytes, trg.Bytes, 0xEE), expected = out, in(length * src.Bytes, src.Bytes, 0);
-      for (std::size_t i = 0; i < length; ++i)
-        NuRef::ConvertValue(trg.Id, expected.Run() + i * trg.Bytes, src.Id, &values[(start + i) * src.Bytes]);
-      std::memcpy(in.Run(), &values[start * src.Bytes], length * src.Bytes);
+      for (std::size_t i = 0; i < length; ++i) {  // the sample again from its start where the run is longer
+        unsigned char const* value = &values[(start + i) % (values.size() / src.Bytes) * src.Bytes];
+        NuRef::ConvertValue(trg.Id, expected.Run() + i * trg.Bytes, src.Id, value);
+        std::memcpy(in.Run() + i * src.Bytes, value, src.Bytes);
+      }
       pair.Run(GetParam(), length, out.Run(), in.Run());
       ASSERT_TRUE(NuTest::SameBytes(out.Bytes, expected.Bytes)) << "run of " << length << " from " << start;
     }
