@@ -17,8 +17,8 @@ command -v xxd >/dev/null || packages+=(xxd)
 # The Python module (python/) and its tests.
 [ -f /usr/include/pybind11/pybind11.h ] || packages+=(pybind11-dev)
 ls /usr/include/python3*/Python.h >/dev/null 2>&1 || packages+=(python3-dev)
-python3 -c 'import numpy' 2>/dev/null || packages+=(python3-numpy)
-python3 -c 'import pytest' 2>/dev/null || packages+=(python3-pytest)
+[ -d /usr/lib/python3/dist-packages/numpy ] || packages+=(python3-numpy)
+[ -d /usr/lib/python3/dist-packages/pytest ] || packages+=(python3-pytest)
 if [ "${#packages[@]}" -gt 0 ]; then
   echo "installing: ${packages[*]}"
   export DEBIAN_FRONTEND=noninteractive
