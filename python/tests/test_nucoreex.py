@@ -106,8 +106,9 @@ def test_bad_arguments_are_refused_and_nothing_written():
     x = np.zeros((2, 2, 3), np.uint8)
     out = np.full((2, 2), 9, np.float32)
     cases = [(TypeError, x.astype(np.int8), "RGB/UByte", "Lum/Float", out),
-             (ValueError, x[:, :, :2], "RGB/UByte", "Lum/Float", out),
-             (ValueError, x[:, ::2], "RGB/UByte", "Lum/Float", out),
+             (ValueError, x[..., 0].copy(), "RGB/UByte", "Lum/Float", out),
+             (ValueError, np.zeros((2, 2, 6), np.uint8)[..., ::2], "RGB/UByte", "Lum/Float", out),
+             (ValueError, x, "RGB/UByte", "Lum/Float", np.zeros((2, 4), np.float32)[:, ::2]),
              (TypeError, x, "RGB/UByte", "Lum/Float", out.astype(np.float64)),
              (ValueError, x, "RGB/UByte", "Lum/Float", np.zeros((2, 3), np.float32)),
              (ValueError, x, "RGB/UByte", "Lum/Float", np.lib.stride_tricks.as_strided(out, writeable=False)),
