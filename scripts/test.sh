@@ -31,6 +31,7 @@ sanitize() {
 }
 
 stage release release
+stage python env PYTHONPATH=build/release/python /usr/bin/python3 -m pytest -q -p no:cacheprovider python/tests
 stage downstream scripts/downstream.sh build/release
 stage memcheck scripts/memcheck.sh build/release
 stage sanitize sanitize
