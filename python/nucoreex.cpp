@@ -187,11 +187,12 @@ py::array Convert(py::array const& src, py::handle srcSpec, py::handle dstSpec, 
   CNuImageFormat const srcFmt(int(w), int(h), srcFormat.Pixel->Id, srcFormat.Data->Id);
   bool done = false;
   std::optional<Nu::CNuException> failure;
+  void* const outData = out.mutable_data();
   {
     py::gil_scoped_release release;
     std::vector<char> srcCopy, dstCopy;
     void const* srcData = src.data();
-    void* dstData = out.mutable_data();
+    void* dstData = outData;
     if (srcScratch) {
       srcCopy.assign(shifted ? 2 * srcBytes : srcBytes, 0);
       std::memcpy(srcCopy.data(), srcData, srcBytes);
@@ -204,7 +205,7 @@ py::array Convert(py::array const& src, py::handle srcSpec, py::handle dstSpec, 
     }
     try {
       done = CNuImage::ConvertMemory(dstData, srcData, trgFmt, srcFmt);
-      if (done && shifted) std::memcpy(out.mutable_data(), dstCopy.data(), dstBytes);
+      if (done && shifted) std::memcpy(outData, dstCopy.data(), dstBytes);
     } catch (Nu::CNuException const& e) {
       failure.emplace(e);
     }
@@ -246,13 +247,15 @@ py::array WidenCustom(py::array const& src, py::handle dataSpec, py::object cons
   if (src.size() == 0) return out;
 
   bool const inPlace = src.data() == out.data();
+  bool const overlap = Overlap(src, out);
+  void* const outData = out.mutable_data();
   std::optional<Nu::CNuException> failure;
   {
     py::gil_scoped_release release;
     std::vector<char> srcCopy;
     void const* srcData = src.data();
-    if (!inPlace && Overlap(src, out)) {
-      srcCopy.assign(static_cast<char const*>(srcData), static_cast<char const*>(srcData) + src.nbytes());
+    if (!inPlace && overlap) {
+      srcCopy.assign(static_cast<char const*>(srcData), static_cast<char const*>(srcData) + 2 * src.size());
       srcData = srcCopy.data();
     }
     // The library widens width x height words whatever the pixel type: every word of the array
@@ -261,7 +264,7 @@ py::array WidenCustom(py::array const& src, py::handle dataSpec, py::object cons
     source.CreateMoniker(CNuImageFormat(int(row), int(h), EPixelType::Lum, dataType),
                          const_cast<void*>(srcData), 0.0, 0);
     target.CreateMoniker(CNuImageFormat(int(row), int(h), EPixelType::Lum, EDataType::UShort),
-                         out.mutable_data(), 0.0, 0);
+                         outData, 0.0, 0);
     try {
       source.ConvertCustomType(target);
     } catch (Nu::CNuException const& e) {
