@@ -5,6 +5,7 @@
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -166,7 +167,7 @@ py::array Convert(py::array const& src, py::handle srcSpec, py::handle dstSpec, 
   // The LumA target of another data type writes its alpha one run further on and reads an
   // alpha-bearing source there too; both runs are doubled in scratch memory.
   bool const shifted = dstFormat.Pixel->Id == EPixelType::LumA && srcFormat.Data != dstFormat.Data;
-  CheckSize(h, w, 2 * count * std::max(srcPixelBytes, dstPixelBytes));
+  CheckSize(h, w, (shifted ? 2 : 1) * count * std::max(srcPixelBytes, dstPixelBytes));
 
   py::array out;
   if (outArg.is_none()) {
