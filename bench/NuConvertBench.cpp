@@ -4,9 +4,10 @@
 // time of a memcpy of (source bytes + target bytes) / 2.
 //
 //   NuConvertBench [benchmark options]       the representative pairs (Google Benchmark)
-//   NuConvertBench --all-pairs [--quick] [--list] [--match TEXT]
+//   NuConvertBench --all-pairs [--fresh] [--quick] [--list] [--match TEXT]
 //                                            every carried pair at both sizes: distribution of
-//                                            the ratio to memcpy (min, median, max, ten worst);
+//                                            the ratio to memcpy (min, median, max, ten worst),
+//                                            on warm buffers or, with --fresh, from memory;
 //                                            --list prints every pair's ratio too, --match keeps
 //                                            the pairs whose name ("LumA/UByte <- Lum/Byte")
 //                                            contains TEXT
@@ -151,32 +152,45 @@ SFormat const AllFormats[] = {NU_ALL_PIXELS(NU_BENCH_FORMAT_)};
 
 bool IsBayer(EPixelType::ID id) { return id >= EPixelType::Bayer1 && id <= EPixelType::Bayer4; }
 
-template <class TCall>
-double MinSeconds(int repetitions, TCall&& call) {
-  double best = 1e30;
-  for (int r = 0; r < repetitions; ++r) {
-    auto const t0 = std::chrono::steady_clock::now();
-    call();
-    auto const t1 = std::chrono::steady_clock::now();
-    best = std::min(best, std::chrono::duration<double>(t1 - t0).count());
-  }
-  return best;
-}
-
 struct SResult {
-  double Ratio;
+  double Ratio;  // median of the conversion / median of the memcpy
+  double Best;   // minimum / minimum
   std::string Pair;
 };
 
-int AllPairs(bool quick, bool list, bool plan, std::string const& match) {
+double Seconds(std::chrono::steady_clock::time_point t0) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
+}
+double Median(std::vector<double> v) {
+  std::nth_element(v.begin(), v.begin() + static_cast<std::ptrdiff_t>(v.size() / 2), v.end());
+  return v[v.size() / 2];
+}
+
+// Per pair, rounds of the conversion and a memcpy of equal traffic, in turn first and second.
+// The traffic of a LumA target of another data type is its own floor: the source (twice for an
+// alpha-bearing source, whose alphas are read past the run) and four times the target (the rule
+// writes colour and alpha in two passes over twice the target). Warm: the same buffers every
+// time. Fresh: before every timed call a sweep over a buffer beyond the last-level cache
+// reads both sides out of the caches, so that each call starts from memory like a new frame.
+int AllPairs(bool quick, bool list, bool plan, bool fresh, std::string const& match) {
   Nu::Detail::ELevel const level = Nu::Detail::DetectLevel();
+  std::vector<unsigned char> evict(fresh ? std::size_t{128} << 20 : 0, 3);
+  auto evictCaches = [&] {
+    unsigned sum = 0;
+    for (std::size_t i = 0; i < evict.size(); i += 64) sum += evict[i];
+    benchmark::DoNotOptimize(sum);
+  };
   for (auto [width, height] : {std::pair{640, 480}, std::pair{3840, 2160}}) {
     std::size_t const pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     // Room for the largest format (RGBA of Double) and for the LumA rule's second run.
-    std::vector<unsigned char> src(pixels * 64, 0), trg(pixels * 64, 0), copySrc(pixels * 32, 1), copyTrg(pixels * 32, 2);
-    int const repetitions = width > 1000 ? 3 : 15;
+    std::vector<unsigned char> src(pixels * 64, 0), trg(pixels * 64, 0), copySrc(pixels * 64, 1), copyTrg(pixels * 64, 2);
+    int const rounds = fresh ? (width > 1000 ? 3 : 7) : (width > 1000 ? 5 : 21);
     std::vector<SResult> results;
     for (SFormat const& s : AllFormats) {
+      if (std::none_of(std::begin(AllFormats), std::end(AllFormats), [&](SFormat const& t) {
+            return (std::string(t.Name) + " <- " + s.Name).find(match) != std::string::npos;
+          }))
+        continue;
       CNuImage image;
       image.Create(width, height, s.Pixel, s.Data);
       Fill(image, s.Data);
@@ -192,30 +206,49 @@ int AllPairs(bool quick, bool list, bool plan, std::string const& match) {
         if (name.find(match) == std::string::npos) continue;
         if (plan) name = Nu::Detail::PlanLine(t.Pixel, t.Data, s.Pixel, s.Data, level);
         CNuImageFormat const trgFormat(width, height, t.Pixel, t.Data);
-        std::size_t const traffic = (static_cast<std::size_t>(srcFormat.GetByteCount()) + trgFormat.GetByteCount()) / 2;
-        CNuImage::ConvertMemory(trg.data(), src.data(), trgFormat, srcFormat);  // warm
-        double const convert = MinSeconds(repetitions, [&] {
+        std::size_t const srcBytes = srcFormat.GetByteCount(), trgBytes = trgFormat.GetByteCount();
+        bool const lumAShift = t.Pixel == EPixelType::LumA && t.Data != s.Data;
+        bool const alphaSource = s.Pixel == EPixelType::LumA || s.Pixel == EPixelType::RGBA || s.Pixel == EPixelType::BGRA;
+        std::size_t const traffic =
+            lumAShift ? ((alphaSource ? 2 : 1) * srcBytes + 4 * trgBytes) / 2 : (srcBytes + trgBytes) / 2;
+        std::vector<double> convert, copy;
+        auto runConvert = [&] {
+          if (fresh) evictCaches();
+          auto const t0 = std::chrono::steady_clock::now();
           CNuImage::ConvertMemory(trg.data(), src.data(), trgFormat, srcFormat);
           benchmark::ClobberMemory();
-        });
-        double const copy = MinSeconds(repetitions, [&] {
+          convert.push_back(Seconds(t0));
+        };
+        auto runCopy = [&] {
+          if (fresh) evictCaches();
+          auto const t0 = std::chrono::steady_clock::now();
           std::memcpy(copyTrg.data(), copySrc.data(), traffic);
           benchmark::ClobberMemory();
-        });
-        results.push_back({convert / copy, std::move(name)});
+          copy.push_back(Seconds(t0));
+        };
+        runConvert(), runCopy();  // warm-up
+        convert.clear(), copy.clear();
+        for (int r = 0; r < rounds; ++r) {
+          if (r % 2 == 0) runConvert(), runCopy();
+          else runCopy(), runConvert();
+        }
+        results.push_back({Median(convert) / Median(copy),
+                           *std::min_element(convert.begin(), convert.end()) / *std::min_element(copy.begin(), copy.end()),
+                           std::move(name)});
       }
     }
     std::sort(results.begin(), results.end(), [](SResult const& a, SResult const& b) { return a.Ratio < b.Ratio; });
     std::size_t const n = results.size();
     if (n == 0) continue;
-    std::printf("%dx%d: %zu carried pairs, conversion time / memcpy time of (src + trg) / 2 bytes\n", width, height, n);
+    std::printf("%dx%d, %s: %zu carried pairs, median conversion time / median memcpy time of equal traffic\n", width,
+                height, fresh ? "fresh frames" : "warm", n);
     std::printf("  min %.2f  median %.2f  90%% %.2f  max %.2f\n", results.front().Ratio, results[n / 2].Ratio,
                 results[n * 9 / 10].Ratio, results.back().Ratio);
     if (list)
-      for (SResult const& r : results) std::printf("    %6.2f  %s\n", r.Ratio, r.Pair.c_str());
-    std::printf("  ten worst:\n");
+      for (SResult const& r : results) std::printf("    %6.2f %6.2f  %s\n", r.Ratio, r.Best, r.Pair.c_str());
+    std::printf("  ten worst (median ratio, minimum ratio):\n");
     for (std::size_t i = n; i > n - std::min<std::size_t>(10, n); --i)
-      std::printf("    %6.2f  %s\n", results[i - 1].Ratio, results[i - 1].Pair.c_str());
+      std::printf("    %6.2f %6.2f  %s\n", results[i - 1].Ratio, results[i - 1].Best, results[i - 1].Pair.c_str());
     std::fflush(stdout);
   }
   return 0;
@@ -229,14 +262,16 @@ int main(int argc, char** argv) {
       bool quick = false;
       bool list = false;
       bool plan = false;
+      bool fresh = false;
       std::string match;
       for (int j = 1; j < argc; ++j) {
         quick = quick || std::string(argv[j]) == "--quick";
         list = list || std::string(argv[j]) == "--list";
         plan = plan || std::string(argv[j]) == "--plan";
+        fresh = fresh || std::string(argv[j]) == "--fresh";
         if (std::string(argv[j]) == "--match" && j + 1 < argc) match = argv[++j];
       }
-      return AllPairs(quick, list || plan, plan, match);
+      return AllPairs(quick, list || plan, plan, fresh, match);
     }
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
