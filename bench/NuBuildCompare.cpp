@@ -3,13 +3,14 @@
 // minute. Each build's libNu.Core.Ex is loaded with its own symbols first (RTLD_DEEPBIND), so
 // that its ConvertMemory runs its own engine; both share one Nu.Core.
 //
-//   NuBuildCompare BASE.so NEW.so [--fresh] [--size 640|4k] [--rounds N] [--match TEXT] [--list]
+//   NuBuildCompare BASE.so NEW.so [--fresh] [--size 640|4k] [--rounds N] [--match TEXT] [--every K]
+//                  [--list]
 //
 // Per pair: one warm-up call of each, then rounds of the two, in turn first and second; the
 // figure is NEW's median over BASE's median. Warm: the same buffers every time. --fresh: before
 // every timed call a read sweep over 128 MiB puts source and target out of the caches. Prints
 // the distribution of the ratios, their geometric mean and the pairs that moved by more than
-// 10 % either way (every pair with --list).
+// 10 % either way (every pair with --list). --every K times every K-th pair only, a quick sample.
 #include <Nu.Core.Ex/NuImageFormat.h>
 
 #include <benchmark/benchmark.h>
@@ -67,12 +68,13 @@ double Median(std::vector<double> v) {
 
 int main(int argc, char** argv) {
   if (argc < 3) {
-    std::fprintf(stderr, "usage: NuBuildCompare BASE.so NEW.so [--fresh] [--size 640|4k] [--rounds N] [--match TEXT] [--list]\n");
+    std::fprintf(stderr, "usage: NuBuildCompare BASE.so NEW.so [--fresh] [--size 640|4k] [--rounds N] [--match TEXT] "
+                 "[--every K] [--list]\n");
     return 2;
   }
   FConvertMemory const builds[2] = {Load(argv[1]), Load(argv[2])};
   bool fresh = false, list = false;
-  int rounds = 0;
+  int rounds = 0, every = 1;
   std::string size, match;
   for (int i = 3; i < argc; ++i) {
     std::string const a = argv[i];
@@ -81,7 +83,9 @@ int main(int argc, char** argv) {
     if (a == "--size" && i + 1 < argc) size = argv[++i];
     if (a == "--rounds" && i + 1 < argc) rounds = std::atoi(argv[++i]);
     if (a == "--match" && i + 1 < argc) match = argv[++i];
+    if (a == "--every" && i + 1 < argc) every = std::max(1, std::atoi(argv[++i]));
   }
+  int index = 0;
   std::vector<unsigned char> evict(fresh ? std::size_t{128} << 20 : 0, 3);
   for (auto [width, height] : {std::pair{640, 480}, std::pair{3840, 2160}}) {
     if ((size == "640" && width != 640) || (size == "4k" && width == 640)) continue;
@@ -94,7 +98,7 @@ int main(int argc, char** argv) {
       std::vector<SFormat const*> targets;
       for (SFormat const& t : AllFormats)
         if (!(IsBayer(t.Pixel) && t.Pixel != s.Pixel) &&
-            (std::string(t.Name) + " <- " + s.Name).find(match) != std::string::npos)
+            (std::string(t.Name) + " <- " + s.Name).find(match) != std::string::npos && index++ % every == 0)
           targets.push_back(&t);
       if (targets.empty()) continue;
       CNuImageFormat const srcFormat(width, height, s.Pixel, s.Data);
