@@ -60,40 +60,40 @@ DataInfo const* FindData(int id) {
   return nullptr;
 }
 
-DataInfo const* ParseData(py::handle spec) {
-  if (py::isinstance<py::str>(spec)) {
-    auto const name = spec.cast<std::string>();
+DataInfo const* ParseData(py::handle given) {
+  if (py::isinstance<py::str>(given)) {
+    auto const name = given.cast<std::string>();
     for (auto const& d : Datas)
       if (DataName(d.Id) == name) return &d;
     throw py::value_error("unknown data type '" + name + "'");
   }
-  auto const* data = FindData(py::int_(py::reinterpret_borrow<py::object>(spec)).cast<int>());
-  if (!data) throw py::value_error("data type " + py::repr(spec).cast<std::string>() + " has no array form");
+  auto const* data = FindData(py::int_(py::reinterpret_borrow<py::object>(given)).cast<int>());
+  if (!data) throw py::value_error("data type " + py::repr(given).cast<std::string>() + " has no array form");
   return data;
 }
 
 // A format is "RGB/UByte" or a (PixelType, DataType) pair of the module's enums or their ids.
-Format ParseFormat(py::handle spec) {
-  py::object pixelSpec, dataSpec;
-  if (py::isinstance<py::str>(spec)) {
-    auto const text = spec.cast<std::string>();
+Format ParseFormat(py::handle given) {
+  py::object pixelPart, dataPart;
+  if (py::isinstance<py::str>(given)) {
+    auto const text = given.cast<std::string>();
     auto const slash = text.find('/');
     if (slash == std::string::npos) throw py::value_error("format '" + text + "' is not 'Pixel/Data'");
-    pixelSpec = py::str(text.substr(0, slash));
-    dataSpec = py::str(text.substr(slash + 1));
-  } else if (py::isinstance<py::tuple>(spec) && py::len(spec) == 2) {
-    pixelSpec = spec[py::int_(0)];
-    dataSpec = spec[py::int_(1)];
+    pixelPart = py::str(text.substr(0, slash));
+    dataPart = py::str(text.substr(slash + 1));
+  } else if (py::isinstance<py::tuple>(given) && py::len(given) == 2) {
+    pixelPart = given[py::int_(0)];
+    dataPart = given[py::int_(1)];
   } else {
     throw py::type_error("a format is 'Pixel/Data' or a (PixelType, DataType) pair");
   }
   PixelInfo const* pixel = nullptr;
-  bool const byName = py::isinstance<py::str>(pixelSpec);
-  int const id = byName ? 0 : py::int_(pixelSpec).cast<int>();
+  bool const byName = py::isinstance<py::str>(pixelPart);
+  int const id = byName ? 0 : py::int_(pixelPart).cast<int>();
   for (auto const& p : Pixels)
-    if (byName ? pixelSpec.cast<std::string>() == p.Name : id == p.Id) pixel = &p;
-  if (!pixel) throw py::value_error("pixel type " + py::repr(pixelSpec).cast<std::string>() + " is not carried");
-  return {pixel, ParseData(dataSpec)};
+    if (byName ? pixelPart.cast<std::string>() == p.Name : id == p.Id) pixel = &p;
+  if (!pixel) throw py::value_error("pixel type " + py::repr(pixelPart).cast<std::string>() + " is not carried");
+  return {pixel, ParseData(dataPart)};
 }
 
 // The library's sizes are 32-bit: refuse what they cannot express rather than let them wrap.
@@ -227,8 +227,8 @@ py::array Convert(py::array const& src, py::handle srcSpec, py::handle dstSpec, 
   return out;
 }
 
-py::array WidenCustom(py::array const& src, py::handle dataSpec, py::object const& outArg) {
-  auto const dataType = ParseData(dataSpec)->Id;
+py::array WidenCustom(py::array const& src, py::handle dataPart, py::object const& outArg) {
+  auto const dataType = ParseData(dataPart)->Id;
   py::dtype const u16("uint16");
   CheckArray(src, u16, "array", DataName(dataType));
   if (src.ndim() != 2 && src.ndim() != 3) throw py::value_error("array must be shaped (h, w) or (h, w, c)");
