@@ -117,7 +117,8 @@ struct TPermuteMove {
     }
     return t;
   }();
-  static constexpr std::size_t Registers = PermuteSpan(Shape, sizeof(T), Pass) > 2 * Lanes ? 4 : 2;
+  static constexpr std::size_t Span = PermuteSpan(Shape, sizeof(T), Pass);
+  static constexpr std::size_t Registers = Span > 2 * Lanes ? 4 : Span > Lanes ? 2 : 1;
   // Source bytes a group reads past its first pixel: its last window's end.
   static constexpr std::size_t WindowEnd = Tables.Window[Vectors - 1] * sizeof(T) + Registers * 64;
 };
@@ -163,7 +164,7 @@ NU_TARGET_Avx512Vbmi __attribute__((always_inline)) inline void MovePermuteVecto
   for (std::size_t k = 0; k < Move::Registers; ++k)
     r[k] = Tail ? _mm512_maskz_loadu_epi8(BytesBelow(srcAt + 64 * k, srcTotal), src + srcAt + 64 * k)
                 : _mm512_loadu_si512(src + srcAt + 64 * k);
-  __m512i value = Permute2<T>(r[0], _mm512_load_si512(&tables.Index[v][0]), r[1]);
+  __m512i value = Permute2<T>(r[0], _mm512_load_si512(&tables.Index[v][0]), r[Move::Registers == 1 ? 0 : 1]);
   if constexpr (Move::Registers == 4)
     value = _mm512_mask_blend_epi8(tables.Upper[v], value, Permute2<T>(r[2], _mm512_load_si512(&tables.Index[v][1]), r[3]));
   value = _mm512_mask_blend_epi8(tables.Filled[v], map(value), fill);
