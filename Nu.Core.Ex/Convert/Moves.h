@@ -64,7 +64,8 @@ struct TMoveBody {
 
 // ---- permutes (VBMI) ---------------------------------------------------------------------------
 // Each 64 bytes of target come from a window of at most 256 source bytes through one or two
-// two-register permutes, the filled alpha is a blend, and the store is whole. A partial pass
+// two-register permutes (one register in both operands where the window fits in it, which
+// spares a load per vector), the filled alpha is a blend, and the store is whole. A partial pass
 // writes one element of each two-element target pixel and must leave the other untouched: in
 // the body it stores back the bytes it has just read (inside the run, in one thread), at the
 // ends it uses a byte-masked store, which writes exactly the chosen bytes. A target pixel of
