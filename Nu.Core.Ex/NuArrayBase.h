@@ -17,53 +17,62 @@ namespace Detail {
 inline constexpr char NuArrayBaseFile[] = "Nu.Core.Ex/NuArrayBase.h";
 }
 
-// The one-dimensional array behind the named arrays: a std::vector<T> behind IMemory. It is
-// always valid, also when empty. Capacity grows only to old length + max(old length, added),
-// and shrinking or Delete never touch the allocator.
+/// The one-dimensional array behind the named arrays: a std::vector<T> behind IMemory.
+/// It is always valid, also when empty. New and Resize grow the capacity only to old length +
+/// max(old length, added), and shrinking or Delete never touch the allocator. The library
+/// exports it for double, int, unsigned char, unsigned int, unsigned short and CNuString.
 template <class T>
 class CNuArrayBase : public IMemory {
 public:
-  // The empty array; no block.
+  /// The empty array; no block.
   CNuArrayBase();
-  // New(length): zeros; a length of 0 allocates nothing. Raises as New does.
+  /// New(length): zeros; a length of 0 allocates nothing. Raises as New does.
   explicit CNuArrayBase(unsigned long length);
-  // New(length), then every element assigned from `value`. Raises as New does.
+  /// New(length), then every element assigned from `value`. Raises as New does.
   CNuArrayBase(unsigned long length, T const& value);
 
-  // sizeof(T).
+  /// The size of one element: sizeof(T).
   unsigned long GetElementSize() const override;
-  // The number of elements.
+  /// The number of elements.
   unsigned long Length() const override;
-  // The first element; null as long as no block was ever allocated.
+  /// The first element; null as long as no block was ever allocated.
   void const* GetPointer() const override;
-  // True always: an empty array is a usable array.
+  /// True always: an empty array is a usable array.
   bool IsValid() const override;
-  // Destroys the elements and releases the block.
+  /// Destroys the elements and releases the block.
   ~CNuArrayBase() override;
-  // The same as Resize: content is kept, it is not a fresh array. Raises
-  // CNuOutOfMemoryException (function "New") when the block cannot be allocated.
+  /// The same as Resize: content is kept, it is not a fresh array.
+  /// Raises CNuOutOfMemoryException (function "New") when the block cannot be allocated and
+  /// passes std::length_error as Resize does; after a failure the array is unchanged.
   void New(unsigned long length) override;
-  // Keeps the first elements; added ones are value-initialised (zero). A shorter length keeps
-  // the block. Raises CNuOutOfMemoryException when the block cannot be allocated, and passes
-  // std::length_error on above (2^64 - 1) / sizeof(T); after a failure the array is unchanged.
+  /// Keeps the first elements; added ones are value-initialised (zero).
+  /// A shorter length keeps the block. Raises CNuOutOfMemoryException when the block cannot be
+  /// allocated, and passes std::length_error on above (2^64 - 1) / sizeof(T); after a failure
+  /// the array is unchanged.
   void Resize(unsigned long length) override;
-  // Length 0; the block and its capacity stay, and GetPointer keeps returning it.
+  /// Length 0; the block and its capacity stay, and GetPointer keeps returning it.
   void Delete() override;
-  // Zero bytes over the elements; the length stays.
+  /// Zero bytes over the elements; the length stays.
+  /// For CNuString this leaves no valid string behind: call it on an empty string array only.
   void Reset() override;
-  // Resize(source->Length()), then the source's elements read as T. Only the element sizes
-  // are compared. Raises "Invalid memory interface pointer" for null and "Element sizes of
-  // memory blocks do not agree", both leaving the array unchanged.
+  /// Resize(source->Length()), then the source's elements read as T.
+  /// Only the element sizes are compared. Raises "Invalid memory interface pointer" for null
+  /// and "Element sizes of memory blocks do not agree", and passes Resize's failures; each
+  /// leaves the array unchanged.
   void CopyFrom(IMemoryAccess const* source) override;
-  // The first element, writable.
+  /// The first element, writable.
   void* GetPointer() override;
+  /// \cond
   using IMemory::GetPointer;
+  /// \endcond
 
-  // The element; raises "Array index out of bounds" unless index < Length().
+  /// The element; raises "Array index out of bounds" unless index < Length().
   T& operator[](unsigned long index);
+  /// The element, read-only; raises "Array index out of bounds" unless index < Length().
   T const& operator[](unsigned long index) const;
 
 protected:
+  /// The elements, in the one block that the vector owns.
   std::vector<T> Elements;
 };
 

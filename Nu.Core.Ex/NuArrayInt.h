@@ -7,53 +7,68 @@
 
 namespace Nu {
 
-// The exported array of ints: owns a CNuArrayBase<int> of its own and forwards to it, so
-// that copies are deep. Sizing, copying and failures are those of CNuArrayBase<int>.
+/// The exported array of ints, over CNuArrayBase<int>.
+/// It owns one of its own and forwards to it, so that copies are deep. Sizing, copying and failures
+/// are those of the template.
 class NU_CORE_EX_EXPORT CNuArrayInt : public IMemory {
 public:
-  // The empty array; no block.
+  /// The empty array; no block.
   CNuArrayInt();
-  // `length` zeros; a length of 0 allocates no block. Raises CNuOutOfMemoryException ("New").
+  /// `length` zeros; a length of 0 allocates no block.
+  /// Raises CNuOutOfMemoryException (function "New") when the block cannot be allocated.
   explicit CNuArrayInt(unsigned long length);
-  // `length` copies of `value`. Raises CNuOutOfMemoryException ("New").
+  /// `length` copies of `value`.
+  /// Raises CNuOutOfMemoryException (function "New") when the block cannot be allocated.
   CNuArrayInt(unsigned long length, int const& value);
-  // A deep copy: an empty array, then operator=.
+  /// A deep copy: an empty array, then operator=.
   CNuArrayInt(CNuArrayInt const& other);
-  // A deep copy that reuses the block when its capacity suffices; self-assignment does nothing.
-  // A failed allocation reaches the caller as std::bad_alloc.
+  /// A deep copy that reuses the block when its capacity suffices; returns the array itself.
+  /// Self-assignment does nothing. A failed allocation reaches the caller as std::bad_alloc.
   CNuArrayInt& operator=(CNuArrayInt const& other);
 
-  // The size of one element and the number of elements.
+  /// The size of one element: sizeof(int), 4.
   unsigned long GetElementSize() const override;
+  /// The number of elements.
   unsigned long Length() const override;
-  // The first element; null as long as no block was ever allocated.
+  /// The first element; null as long as no block was ever allocated.
   void const* GetPointer() const override;
-  // True always, also when empty.
+  /// True always, also when empty.
   bool IsValid() const override;
-  // Releases Impl and its block.
+  /// Releases Impl and its block.
   ~CNuArrayInt() override;
-  // The same as Resize (content kept), see CNuArrayBase.
+  /// The same as Resize: content is kept, it is not a fresh array.
+  /// Raises CNuOutOfMemoryException (function "New") when the block cannot be allocated and passes
+  /// std::length_error as Resize does; after a failure the array is unchanged.
   void New(unsigned long length) override;
-  // Keeps the first elements, zeros the added ones; unchanged on failure, see CNuArrayBase.
+  /// Keeps the first elements and zeros the added ones; a shorter length keeps the block.
+  /// Raises CNuOutOfMemoryException when the block cannot be allocated, and passes
+  /// std::length_error on above (2^64 - 1) / sizeof(int); after a failure the array is unchanged.
   void Resize(unsigned long length) override;
-  // Length 0 with the block kept.
+  /// Length 0 with the block kept; GetPointer keeps returning it.
   void Delete() override;
-  // Zero bytes over the elements.
+  /// Zero bytes over the elements; the length stays.
   void Reset() override;
-  // Takes any source of element size sizeof(int) bit for bit; raises on null or unequal sizes.
+  /// Takes the length and the elements of any source whose element size is 4, bit for bit.
+  /// Raises "Invalid memory interface pointer" for null and "Element sizes of memory blocks do not
+  /// agree", and passes Resize's failures; each leaves the array unchanged.
   void CopyFrom(IMemoryAccess const* source) override;
-  // The first element, writable; GetDataPtr() untyped.
+  /// The first element, writable: GetDataPtr(), untyped.
   void* GetPointer() override;
+  /// \cond
   using IMemory::GetPointer;
+  /// \endcond
 
-  // The element; raises "Array index out of bounds" unless index < Length().
+  /// The element; raises "Array index out of bounds" unless index < Length().
   int& operator[](unsigned long index);
+  /// The element, read-only; raises "Array index out of bounds" unless index < Length().
   int const& operator[](unsigned long index) const;
-  // The first element, typed; null as long as no block was ever allocated.
+  /// The first element, typed; null as long as no block was ever allocated.
   int* GetDataPtr();
+  /// The first element, typed and read-only; null as long as no block was ever allocated.
   int const* GetDataPtr() const;
 
 protected:
+  /// The array behind this one: made by every constructor, never null and never shared.
   std::unique_ptr<CNuArrayBase<int>> Impl;
 };
 

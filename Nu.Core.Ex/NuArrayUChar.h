@@ -7,53 +7,69 @@
 
 namespace Nu {
 
-// The exported array of unsigned bytes: owns a CNuArrayBase<unsigned char> of its own and forwards
-// to it, so that copies are deep. Sizing, copying and failures are those of the template.
+/// The exported array of unsigned bytes, over CNuArrayBase<unsigned char>.
+/// It owns one of its own and forwards to it, so that copies are deep. Sizing, copying and failures
+/// are those of the template.
 class NU_CORE_EX_EXPORT CNuArrayUChar : public IMemory {
 public:
-  // The empty array; no block.
+  /// The empty array; no block.
   CNuArrayUChar();
-  // `length` zeros; a length of 0 allocates no block. Raises CNuOutOfMemoryException ("New").
+  /// `length` zeros; a length of 0 allocates no block.
+  /// Raises CNuOutOfMemoryException (function "New") when the block cannot be allocated.
   explicit CNuArrayUChar(unsigned long length);
-  // `length` copies of `value`. Raises CNuOutOfMemoryException ("New").
+  /// `length` copies of `value`.
+  /// Raises CNuOutOfMemoryException (function "New") when the block cannot be allocated.
   CNuArrayUChar(unsigned long length, unsigned char const& value);
-  // A deep copy: an empty array, then operator=.
+  /// A deep copy: an empty array, then operator=.
   CNuArrayUChar(CNuArrayUChar const& other);
-  // A deep copy that reuses the block when its capacity suffices; self-assignment does nothing.
-  // A failed allocation reaches the caller as std::bad_alloc.
+  /// A deep copy that reuses the block when its capacity suffices; returns the array itself.
+  /// Self-assignment does nothing. A failed allocation reaches the caller as std::bad_alloc.
   CNuArrayUChar& operator=(CNuArrayUChar const& other);
 
-  // The size of one element and the number of elements.
+  /// The size of one element: sizeof(unsigned char), 1.
   unsigned long GetElementSize() const override;
+  /// The number of elements.
   unsigned long Length() const override;
-  // The first element; null as long as no block was ever allocated.
+  /// The first element; null as long as no block was ever allocated.
   void const* GetPointer() const override;
-  // True always, also when empty.
+  /// True always, also when empty.
   bool IsValid() const override;
-  // Releases Impl and its block.
+  /// Releases Impl and its block.
   ~CNuArrayUChar() override;
-  // The same as Resize (content kept), see CNuArrayBase.
+  /// The same as Resize: content is kept, it is not a fresh array.
+  /// Raises CNuOutOfMemoryException (function "New") when the block cannot be allocated and passes
+  /// std::length_error as Resize does; after a failure the array is unchanged.
   void New(unsigned long length) override;
-  // Keeps the first elements, zeros the added ones; unchanged on failure, see CNuArrayBase.
+  /// Keeps the first elements and zeros the added ones; a shorter length keeps the block.
+  /// Raises CNuOutOfMemoryException when the block cannot be allocated, and passes
+  /// std::length_error on above (2^64 - 1) / sizeof(unsigned char); after a failure the array is
+  /// unchanged.
   void Resize(unsigned long length) override;
-  // Length 0 with the block kept.
+  /// Length 0 with the block kept; GetPointer keeps returning it.
   void Delete() override;
-  // Zero bytes over the elements.
+  /// Zero bytes over the elements; the length stays.
   void Reset() override;
-  // Takes any source of unsigned char size bit for bit; raises on null or unequal sizes.
+  /// Takes the length and the elements of any source whose element size is 1, bit for bit.
+  /// Raises "Invalid memory interface pointer" for null and "Element sizes of memory blocks do not
+  /// agree", and passes Resize's failures; each leaves the array unchanged.
   void CopyFrom(IMemoryAccess const* source) override;
-  // The first element, writable; GetDataPtr() untyped.
+  /// The first element, writable: GetDataPtr(), untyped.
   void* GetPointer() override;
+  /// \cond
   using IMemory::GetPointer;
+  /// \endcond
 
-  // The element; raises "Array index out of bounds" unless index < Length().
+  /// The element; raises "Array index out of bounds" unless index < Length().
   unsigned char& operator[](unsigned long index);
+  /// The element, read-only; raises "Array index out of bounds" unless index < Length().
   unsigned char const& operator[](unsigned long index) const;
-  // The first element, typed; null as long as no block was ever allocated.
+  /// The first element, typed; null as long as no block was ever allocated.
   unsigned char* GetDataPtr();
+  /// The first element, typed and read-only; null as long as no block was ever allocated.
   unsigned char const* GetDataPtr() const;
 
 protected:
+  /// The array behind this one: made by every constructor, never null and never shared.
   std::unique_ptr<CNuArrayBase<unsigned char>> Impl;
 };
 
