@@ -10,49 +10,67 @@ namespace Detail {
 inline constexpr char NuArray2DBaseFile[] = "Nu.Core.Ex/NuArray2DBase.h";
 }
 
-// The two-dimensional array behind the named 2-D arrays: it has a CNuMatrix<T> (it is not one),
-// does every IMemory2D operation by the matrix's, and adds bounds-tested element access.
-// Sizing and copy failures are the matrix's, with its wording and source path.
+/// The two-dimensional array behind the named 2-D arrays: it has a CNuMatrix<T> (it is not one).
+/// It does every IMemory2D operation by the matrix's and adds bounds-tested element access.
+/// Sizing and copy failures are the matrix's, with its wording and source path. The library
+/// exports it for double and int.
 template <class T>
 class CNuArray2DBase : public IMemory2D {
 public:
-  // 0 by 0, no block.
+  /// 0 by 0, no block.
   CNuArray2DBase();
-  // rows by columns zeros; a zero product allocates nothing. Fails as the matrix does.
+  /// rows by columns zeros; a zero product allocates nothing and keeps the dimensions as given.
+  /// Fails as CNuMatrix::SetDimensions does: std::bad_alloc and std::length_error pass.
   CNuArray2DBase(unsigned long rows, unsigned long columns);
 
-  // The size of one element; the row count, then the column count; the first element.
+  /// The size of one element: sizeof(T).
   unsigned long GetElementSize() const override;
+  /// Writes the row count, then the column count.
   void GetSize(unsigned long& rows, unsigned long& columns) const override;
+  /// The first element; null as long as no block was ever allocated.
   void const* GetPointer() const override;
-  // True when a block exists, also after Delete.
+  /// True when a block exists, also after Delete.
   bool IsValid() const override;
-  // Releases the block (and Impl).
+  /// Releases the matrix and its block.
   ~CNuArray2DBase() override;
-  // Reshapes the flat block, keeping the flat prefix (CNuMatrix::SetDimensions).
+  /// Reshapes the flat block, keeping the flat prefix (CNuMatrix::SetDimensions).
+  /// Added elements are zero; a smaller count keeps the block. std::bad_alloc and
+  /// std::length_error pass and leave the requested dimensions over the old block.
   void New(unsigned long rows, unsigned long columns) override;
-  // Keeps each element at its (row, column) in a new block (CNuMatrix::Resize).
+  /// Keeps each element at its (row, column) (CNuMatrix::Resize); added elements are zero.
+  /// Between two different non-empty sizes this is always a new block. A zero dimension gives
+  /// 0 by 0 with the block kept on a non-empty array, and stays as given on an empty one. Raises
+  /// CNuOutOfMemoryException "Error resizing matrix:" followed by the allocator's text, with the
+  /// dimensions set to 0 by 0.
   void Resize(unsigned long rows, unsigned long columns) override;
-  // 0 by 0 with the block kept.
+  /// 0 by 0 with the block kept, so IsValid keeps its answer.
   void Delete() override;
-  // Zero bytes over rows * columns elements.
+  /// Zero bytes over rows * columns elements; the dimensions stay.
   void Reset() override;
-  // Dimensions and one byte copy of a source of equal element size; raises "cannot copy
-  // Memory2D, elementSize is different". No test for null.
+  /// The source's dimensions and one byte copy of its block (CNuMatrix::CopyFrom).
+  /// Only the element sizes are compared: raises "cannot copy Memory2D, elementSize is
+  /// different", leaving the array unchanged. No test for null; a failed allocation passes as
+  /// std::bad_alloc.
   void CopyFrom(IMemory2DAccess const* source) override;
-  // The first element, writable.
+  /// The first element, writable.
   void* GetPointer() override;
+  /// \cond
   using IMemory2D::GetPointer;
+  /// \endcond
 
-  // The element at row * columns + column; raises "Array index out of bounds" unless row is
-  // below the row count and column below the column count.
+  /// The element at row * columns + column; raises "Array index out of bounds" unless row is
+  /// below the row count and column below the column count.
   T& operator()(unsigned long row, unsigned long column);
+  /// The element (row, column), read-only; raises "Array index out of bounds" outside the
+  /// dimensions.
   T const& operator()(unsigned long row, unsigned long column) const;
-  // The matrix's Data, typed; null as long as no block was ever allocated.
+  /// The matrix's Data, typed; null as long as no block was ever allocated.
   T* GetDataPtr();
+  /// The matrix's Data, typed and read-only; null as long as no block was ever allocated.
   T const* GetDataPtr() const;
 
 protected:
+  /// The matrix that owns the block and does all sizing and copying.
   CNuMatrix<T> Matrix;
 };
 
