@@ -26,7 +26,7 @@ class CNuArrayBase : public IMemory {
 public:
   /// The empty array; no block.
   CNuArrayBase();
-  /// New(length): zeros; a length of 0 allocates nothing. Raises as New does.
+  /// New(length): value-initialised elements; a length of 0 allocates nothing. Raises as New does.
   explicit CNuArrayBase(unsigned long length);
   /// New(length), then every element assigned from `value`. Raises as New does.
   CNuArrayBase(unsigned long length, T const& value);
@@ -45,7 +45,7 @@ public:
   /// Raises CNuOutOfMemoryException (function "New") when the block cannot be allocated and
   /// passes std::length_error as Resize does; after a failure the array is unchanged.
   void New(unsigned long length) override;
-  /// Keeps the first elements; added ones are value-initialised (zero).
+  /// Keeps the first elements; added ones are value-initialised (zero, or an empty string).
   /// A shorter length keeps the block. Raises CNuOutOfMemoryException when the block cannot be
   /// allocated, and passes std::length_error on above (2^64 - 1) / sizeof(T); after a failure
   /// the array is unchanged.
