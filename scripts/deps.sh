@@ -12,6 +12,8 @@ ls /usr/lib/llvm-*/lib/clang/*/lib/linux/libclang_rt.fuzzer-x86_64.a >/dev/null 
 command -v pkg-config >/dev/null || packages+=(pkg-config)
 command -v valgrind >/dev/null || packages+=(valgrind)
 command -v xxd >/dev/null || packages+=(xxd)
+# The API reference (cmake --build <dir> --target docs).
+command -v doxygen >/dev/null || packages+=(doxygen)
 [ -f /usr/include/gtest/gtest.h ] || packages+=(libgtest-dev libgmock-dev)
 [ -f /usr/include/benchmark/benchmark.h ] || packages+=(libbenchmark-dev)
 # The Python module (python/) and its tests.

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Builds and runs the whole test suite: optimised with g++ (warnings are errors) with its CTest
-# suite, the exported symbol guard among them (scripts/abi.sh), an outside program against the
-# installed tree, valgrind memcheck over a subset, everything again with clang under
-# AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer, and each libFuzzer target for a
-# bounded time (NU_FUZZ_SECONDS, default 30).
+# suite, the exported symbol guard among them (scripts/abi.sh), the API reference (Doxygen: an
+# undocumented public member fails it), an outside program against the installed tree, valgrind
+# memcheck over a subset, everything again with clang under AddressSanitizer, LeakSanitizer and
+# UndefinedBehaviorSanitizer, and each libFuzzer target for a bounded time (NU_FUZZ_SECONDS,
+# default 30).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh
@@ -31,6 +32,7 @@ sanitize() {
 }
 
 stage release release
+stage docs cmake --build --preset release --target docs
 stage python env PYTHONPATH=build/release/python /usr/bin/python3 -m pytest -q -p no:cacheprovider python/tests
 stage downstream scripts/downstream.sh build/release
 stage memcheck scripts/memcheck.sh build/release
