@@ -1,3 +1,6 @@
 #pragma once
-// Symbols of libNu.Core.4.0.x64.so are hidden unless marked with NU_CORE_EXPORT.
+/// @file
+/// The export macro of libNu.Core.4.0.x64.so.
+
+/// Marks a class or function as exported: symbols of the library are hidden unless so marked.
 #define NU_CORE_EXPORT __attribute__((visibility("default")))
