@@ -19,74 +19,87 @@ namespace Detail {
 inline constexpr char NuMatrixFile[] = "Nu.Core.Math/NuMatrix.h";
 }
 
-// The dimensions and a non-owning view of a matrix's elements, row after row.
+/// The dimensions and a non-owning view of a matrix's elements, row after row.
 template <class T>
 class CNuMatrixBase : public CNuValuePrecision<T> {
 public:
-  // 0 by 0, Data null.
+  /// 0 by 0, Data null.
   CNuMatrixBase();
-  // Owns nothing: Data views the derived class's storage.
+  /// Owns nothing: Data views the derived class's storage.
   virtual ~CNuMatrixBase();
 
 protected:
+  /// The number of rows, the first dimension everywhere.
   unsigned long Rows;
+  /// The number of columns: element (r, c) is Data[r * Columns + c].
   unsigned long Columns;
+  /// The first element of the derived class's storage, not owned; null while there is none.
   T* Data;
 };
 
-// The owning two-dimensional block: Storage holds the elements row after row, and Data views
-// its first element, null only as long as Storage never had a block. Only the memory side of a
-// matrix is here. New keeps the flat prefix, Resize keeps positions; the two guard against
-// different failures, and that asymmetry is part of the contract.
+/// The owning two-dimensional block, instantiated for double and int.
+///
+/// Storage holds the elements row after row, and Data views its first element, null only as
+/// long as Storage never had a block. Only the memory side of a matrix is here. New keeps the
+/// flat prefix, Resize keeps positions; the two guard against different failures, and that
+/// asymmetry is part of the contract.
 template <class T>
 class CNuMatrix : public CNuMatrixBase<T>, public IMemory2D {
 public:
-  // 0 by 0, no block.
+  /// 0 by 0, no block.
   CNuMatrix();
-  // rows by columns zeros; a zero product allocates nothing and leaves the dimensions as given.
-  // Fails as SetDimensions does.
+  /// rows by columns zeros; a zero product allocates nothing and leaves the dimensions as given.
+  ///
+  /// Fails as SetDimensions does.
   CNuMatrix(unsigned long rows, unsigned long columns);
-  // A deep copy through CopyFrom.
+  /// A deep copy through CopyFrom.
   CNuMatrix(CNuMatrix const& other);
-  // CopyFrom(&other); returns the matrix itself.
+  /// CopyFrom(&other); returns the matrix itself.
   CNuMatrix& operator=(CNuMatrix const& other);
 
-  // Releases Storage's block.
+  /// Releases Storage's block.
   ~CNuMatrix() override;
-  // Keeps each element at its (row, column) and zeroes the rest, in a new block whenever both
-  // the old and the new size are non-empty. A zero dimension on a non-empty matrix gives 0 by 0
-  // (block kept); on an empty one the flat block is sized and the dimensions stay as given.
-  // Raises CNuOutOfMemoryException "Error resizing matrix:<what>" with the dimensions set to 0.
+  /// Keeps each element at its (row, column) and zeroes the rest, in a new block whenever both
+  /// the old and the new size are non-empty.
+  ///
+  /// A zero dimension on a non-empty matrix gives 0 by 0 (block kept); on an empty one the flat
+  /// block is sized and the dimensions stay as given. Raises CNuOutOfMemoryException
+  /// "Error resizing matrix:" directly followed by the what() text, with the dimensions set to 0.
   void Resize(unsigned long rows, unsigned long columns) override;
-  // sizeof(T).
+  /// sizeof(T).
   unsigned long GetElementSize() const override;
-  // Writes Rows, then Columns.
+  /// Writes Rows, then Columns.
   void GetSize(unsigned long& rows, unsigned long& columns) const override;
-  // Data: the block, also after Delete.
+  /// Data: the block, also after Delete.
   void const* GetPointer() const override;
-  // True when Data is non-null, which stays so after Delete.
+  /// True when Data is non-null, which stays so after Delete.
   bool IsValid() const override;
-  // SetDimensions(rows, columns).
+  /// SetDimensions(rows, columns).
   void New(unsigned long rows, unsigned long columns) override;
-  // 0 by 0; the block stays and Data keeps pointing at it.
+  /// 0 by 0; the block stays and Data keeps pointing at it.
   void Delete() override;
-  // Zero bytes over rows * columns elements; the dimensions stay.
+  /// Zero bytes over rows * columns elements; the dimensions stay.
   void Reset() override;
-  // SetDimensions to the source's size, then one byte copy. Only element sizes are compared:
-  // raises "cannot copy Memory2D, elementSize is different", leaving the matrix unchanged.
-  // There is no test for a null source.
+  /// SetDimensions to the source's size, then one byte copy.
+  ///
+  /// Only element sizes are compared: raises "cannot copy Memory2D, elementSize is different",
+  /// leaving the matrix unchanged. There is no test for a null source.
   void CopyFrom(IMemory2DAccess const* source) override;
-  // Data, writable.
+  /// Data, writable.
   void* GetPointer() override;
+  /// The read-only GetPointer stays visible beside the writable one.
   using IMemory2D::GetPointer;
 
-  // Reshapes the flat block: the first rows * columns elements keep their flat index (product
-  // wraps in 64 bits), added ones are zero, a shorter one keeps the block. Wraps a CNuException
-  // in "Error resizing matrix"; std::bad_alloc and std::length_error pass through and leave
-  // the requested dimensions over the old block.
+  /// Reshapes the flat block: the first rows * columns elements keep their flat index (product
+  /// wraps in 64 bits), added ones are zero, a shorter one keeps the block.
+  ///
+  /// Wraps a CNuException in "Error resizing matrix"; std::bad_alloc and std::length_error pass
+  /// through and leave the requested dimensions over the old block.
   void SetDimensions(unsigned long rows, unsigned long columns);
 
 protected:
+  /// The elements, row after row: Rows * Columns of them after every operation that did not
+  /// fail. Shrinking keeps its block.
   std::vector<T> Storage;
 };
 
