@@ -1,5 +1,6 @@
 #pragma once
-// Everything a caller of the imaging runtime needs, from all three folders.
+/// @file
+/// The umbrella header: everything a caller of the imaging runtime needs, from all three folders.
 #include <Nu.Core/ExceptionSafePointer.h>
 #include <Nu.Core/Guid.h>
 #include <Nu.Core/IException.h>
