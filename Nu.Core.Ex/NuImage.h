@@ -15,7 +15,7 @@ class NU_CORE_EX_EXPORT CNuImage : public IImage {
 public:
   /// The empty image: no format, no memory.
   CNuImage();
-  /// Create(format): a block whose pixels are not set; raises as Create does.
+  /// Create(format): sizes the image and leaves the pixels unset; raises as Create does.
   explicit CNuImage(CNuImageFormat const& format);
   /// Create(image): copies the pixels; raises "Error creating image copy" for an image without
   /// memory.
@@ -102,16 +102,16 @@ public:
   void SetZero();
   /// Stretches Lum/Float pixels to 0..1 in place and returns true; false for every other format.
   ///
-  /// Min and max start from 1e9 and -1e9, by design, so the range never reaches beyond them.
-  /// A range of 1e-9 or less, or NaN, leaves the pixels as they are. Tests neither memory nor
-  /// borrowing, and raises nothing.
+  /// Min starts at 1e9 and max at -1e9, by design: min never rises above 1e9, max never falls
+  /// below -1e9. A range of 1e-9 or less, or NaN, leaves the pixels as they are. Tests neither
+  /// memory nor borrowing, and raises nothing.
   bool Normalize();
 
   // ---- conversion ----
   /// Converts `src` into `trg` as pixelType/dataType with the source's size; creates the target
   /// first when `create` is true.
   ///
-  /// With `create` false the target is asked nothing and must already hold enough memory. False
+  /// With `create` false only the target's memory is used: it must already be large enough. False
   /// when the source is invalid, Create refuses or the pair is not carried; raises "Error
   /// converting image memory" (Create's own raises pass as they are).
   static bool ConvertType(IImage* trg, IImage const* src, EPixelType::ID pixelType,
