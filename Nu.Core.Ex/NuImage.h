@@ -22,8 +22,8 @@ public:
   CNuImage(CNuImage const& image);
   /// Create(std::move(image)): takes over the block and empties `image`.
   CNuImage(CNuImage&& image);
-  /// Create(image) and returns this image. Raises "Error creating image copy", for a source
-  /// without memory with this image unchanged.
+  /// Create(image) and returns this image. Raises "Error creating image copy"; a source without
+  /// memory leaves this image unchanged.
   CNuImage& operator=(CNuImage const& image);
   /// Create(std::move(image)) and returns this image. Self-move leaves the image empty, by
   /// design.
