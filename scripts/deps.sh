@@ -16,6 +16,8 @@ command -v xxd >/dev/null || packages+=(xxd)
 command -v doxygen >/dev/null || packages+=(doxygen)
 [ -f /usr/include/gtest/gtest.h ] || packages+=(libgtest-dev libgmock-dev)
 [ -f /usr/include/benchmark/benchmark.h ] || packages+=(libbenchmark-dev)
+# OpenCV's core, for the test and the example of interop/NuOpenCv.h.
+[ -f /usr/include/opencv4/opencv2/core.hpp ] || packages+=(libopencv-core-dev)
 # The Python module (python/) and its tests.
 [ -f /usr/include/pybind11/pybind11.h ] || packages+=(pybind11-dev)
 ls /usr/include/python3*/Python.h >/dev/null 2>&1 || packages+=(python3-dev)
