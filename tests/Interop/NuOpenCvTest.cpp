@@ -105,9 +105,11 @@ TEST(NuOpenCv, ConvertsAsTheImageOfTheSameBytes) {
   EXPECT_EQ(std::memcmp(expected.GetDataPtr(), rgb.data, expected.GetByteCount()), 0);
 }
 
+// Headers over it only describe memory: nothing reads or writes it.
+unsigned char Untouched;
+
 // Every refusal is a plain false that leaves the target as it was.
 TEST(NuOpenCv, RefusesWhatItCannotViewExactly) {
-  static unsigned char untouched;  // headers over it only describe memory; nothing reads it
   cv::Mat const base(4, 6, CV_8UC3);
   int const cube[] = {2, 3, 4};
   struct SMatCase {
@@ -118,6 +120,7 @@ TEST(NuOpenCv, RefusesWhatItCannotViewExactly) {
   } const matCases[] = {
       {"non-continuous ROI", base(cv::Rect(1, 1, 3, 2)), EPixelType::BGR, {}},
       {"empty", cv::Mat(), EPixelType::Lum, {}},
+      {"no rows", cv::Mat(0, 3, CV_8UC1), EPixelType::Lum, {}},
       {"three dimensions", cv::Mat(3, cube, CV_8UC1), EPixelType::Lum, {}},
       {"half float, no partner", cv::Mat(2, 2, CV_16FC1), EPixelType::Lum, {}},
       {"3 channels as RGBA", cv::Mat(2, 2, CV_8UC3), EPixelType::RGBA, {}},
@@ -127,7 +130,8 @@ TEST(NuOpenCv, RefusesWhatItCannotViewExactly) {
       {"UInt is not CV_32S", cv::Mat(2, 2, CV_32SC1), EPixelType::Lum, EDataType::UInt},
       {"Float is not CV_16U", cv::Mat(2, 2, CV_16UC1), EPixelType::Lum, EDataType::Float},
       {"integral packing", cv::Mat(2, 2, CV_8UC1), EPixelType::Lum, EDataType::Integral_5per4},
-      {"4 GiB", cv::Mat(65536, 65536, CV_8UC1, &untouched), EPixelType::Lum, {}},
+      // OpenCV calls a Mat continuous up to 2^31 - 1 elements, not bytes.
+      {"8 GiB", cv::Mat(32768, 32768, CV_64FC1, &Untouched), EPixelType::Lum, {}},
   };
   for (SMatCase const& c : matCases) {
     SCOPED_TRACE(c.Name);
@@ -145,10 +149,10 @@ TEST(NuOpenCv, RefusesWhatItCannotViewExactly) {
     EXPECT_EQ(data, EDataType::UByte);
   }
 
-  auto borrowed = [&](int width, int height, int pixelType, int dataType) {
+  auto borrowed = [&](int width, int height, int pixelType, int dataType, void* data = &Untouched) {
     CNuImage image;
     image.CreateMoniker({width, height, static_cast<EPixelType::ID>(pixelType), static_cast<EDataType::ID>(dataType)},
-                        &untouched, 0.0, 0);
+                        data, 0.0, 0);
     return image;
   };
   CNuImage uintImage, packed;
@@ -158,7 +162,7 @@ TEST(NuOpenCv, RefusesWhatItCannotViewExactly) {
     char const* Name;
     CNuImage Image;
   } imageCases[] = {
-      {"no memory", CNuImage()},
+      {"no memory", borrowed(2, 2, EPixelType::Lum, EDataType::UByte, nullptr)},
       {"UInt", std::move(uintImage)},
       {"integral packing", std::move(packed)},
       {"void data type", borrowed(2, 2, EPixelType::Lum, EDataType::Void)},
