@@ -8,30 +8,24 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 using Nu::CNuImage;
 using Nu::CNuImageMoniker;
 using Nu::EDataType;
 using Nu::EPixelType;
-using Nu::IImage;
 namespace OpenCv = Nu::OpenCv;
 
 namespace {
 
 // Written from the id tables and OpenCV's depths, not from the header's switches.
-struct SDepth {
-  int Depth;
-  EDataType::ID DataType;
-};
+struct SDepth { int Depth; EDataType::ID DataType; };
 constexpr SDepth Depths[] = {{CV_8S, EDataType::Byte},   {CV_8U, EDataType::UByte},
                              {CV_16S, EDataType::Short}, {CV_16U, EDataType::UShort},
                              {CV_32S, EDataType::Int},   {CV_32F, EDataType::Float},
                              {CV_64F, EDataType::Double}};
-struct SPixel {
-  EPixelType::ID PixelType;
-  int Channels;
-};
+struct SPixel { EPixelType::ID PixelType; int Channels; };
 constexpr SPixel Pixels[] = {{EPixelType::Lum, 1},    {EPixelType::Bayer1, 1}, {EPixelType::Bayer2, 1},
                              {EPixelType::Bayer3, 1}, {EPixelType::Bayer4, 1}, {EPixelType::LumA, 2},
                              {EPixelType::YCbCr, 2},  {EPixelType::RGB, 3},    {EPixelType::BGR, 3},
@@ -44,26 +38,29 @@ concept Wrappable = requires(CNuImageMoniker& moniker, TMat&& mat) {
 };
 static_assert(Wrappable<cv::Mat&> && Wrappable<cv::Mat const&> && !Wrappable<cv::Mat>);
 
+// Memory, width, height and type, as the moniker or the Mat tells them.
+std::tuple<void const*, int, int, int, int> State(CNuImageMoniker const& moniker) {
+  int width = 0, height = 0, pixelType = 0, dataType = 0;
+  moniker.GetSize(width, height);
+  moniker.GetType(pixelType, dataType);
+  return {moniker.GetDataPtr(), width, height, pixelType, dataType};
+}
+std::tuple<void const*, int, int, int> State(cv::Mat const& mat) {
+  return {mat.data, mat.cols, mat.rows, mat.type()};
+}
+
 // The moniker views the Mat's own bytes with the matching ids, and a Mat made back over it is
 // the same header.
 void ExpectSameMemory(cv::Mat const& mat, EPixelType::ID pixelType, EDataType::ID dataType,
                       std::optional<EDataType::ID> named = std::nullopt) {
   CNuImageMoniker moniker;
   ASSERT_TRUE(named ? OpenCv::WrapMat(moniker, mat, pixelType, *named) : OpenCv::WrapMat(moniker, mat, pixelType));
-  EXPECT_EQ(moniker.GetDataPtr(), mat.data);
-  int width = 0, height = 0, pixel = 0, data = 0;
-  moniker.GetSize(width, height);
-  moniker.GetType(pixel, data);
-  EXPECT_EQ(width, mat.cols);
-  EXPECT_EQ(height, mat.rows);
-  EXPECT_EQ(pixel, pixelType);
-  EXPECT_EQ(data, dataType);
+  EXPECT_EQ(State(moniker), std::tuple(static_cast<void const*>(mat.data), mat.cols, mat.rows, int(pixelType),
+                                       int(dataType)));
   EXPECT_EQ(moniker.GetByteCount(), mat.cols * mat.elemSize() * mat.rows);
   cv::Mat back;
   ASSERT_TRUE(OpenCv::WrapImage(back, moniker));
-  EXPECT_EQ(back.data, mat.data);
-  EXPECT_EQ(back.type(), mat.type());
-  EXPECT_EQ(back.size(), mat.size());
+  EXPECT_EQ(State(back), State(mat));
   EXPECT_EQ(back.step[0], mat.cols * mat.elemSize());
 }
 
@@ -71,9 +68,7 @@ TEST(NuOpenCv, WrapsEveryMappedTypeWithoutCopying) {
   for (SDepth const& d : Depths)
     for (SPixel const& p : Pixels) {
       SCOPED_TRACE(std::to_string(p.PixelType) + " over depth " + std::to_string(d.Depth));
-      cv::Mat const mat(3, 5, CV_MAKETYPE(d.Depth, p.Channels));
-      ExpectSameMemory(mat, p.PixelType, d.DataType);
-      ExpectSameMemory(mat, p.PixelType, d.DataType, d.DataType);
+      ExpectSameMemory(cv::Mat(3, 5, CV_MAKETYPE(d.Depth, p.Channels)), p.PixelType, d.DataType);
     }
   // The custom types are stored in 16-bit elements; named, they view a CV_16U Mat.
   for (EDataType::ID custom : {EDataType::Custom_10in16_LSB, EDataType::Custom_10in16_MSB,
@@ -138,15 +133,10 @@ TEST(NuOpenCv, RefusesWhatItCannotViewExactly) {
     unsigned char before[4];
     CNuImageMoniker moniker;
     moniker.Create(2, 2, EPixelType::Lum, EDataType::UByte, before);
+    auto const was = State(moniker);
     EXPECT_FALSE(c.DataType ? OpenCv::WrapMat(moniker, c.Mat, c.PixelType, *c.DataType)
                             : OpenCv::WrapMat(moniker, c.Mat, c.PixelType));
-    int width = 0, height = 0, pixel = 0, data = 0;
-    moniker.GetSize(width, height);
-    moniker.GetType(pixel, data);
-    EXPECT_EQ(moniker.GetDataPtr(), before);
-    EXPECT_EQ(width * 10 + height, 22);
-    EXPECT_EQ(pixel, EPixelType::Lum);
-    EXPECT_EQ(data, EDataType::UByte);
+    EXPECT_EQ(State(moniker), was);
   }
 
   auto borrowed = [&](int width, int height, int pixelType, int dataType, void* data = &Untouched) {
@@ -155,16 +145,10 @@ TEST(NuOpenCv, RefusesWhatItCannotViewExactly) {
                         data, 0.0, 0);
     return image;
   };
-  CNuImage uintImage, packed;
-  uintImage.Create(2, 2, EPixelType::Lum, EDataType::UInt);
-  packed.Create(8, 1, EPixelType::Lum, EDataType::Integral_5per4);
-  struct SImageCase {
-    char const* Name;
-    CNuImage Image;
-  } imageCases[] = {
+  struct SImageCase { char const* Name; CNuImage Image; } imageCases[] = {
       {"no memory", borrowed(2, 2, EPixelType::Lum, EDataType::UByte, nullptr)},
-      {"UInt", std::move(uintImage)},
-      {"integral packing", std::move(packed)},
+      {"UInt", borrowed(2, 2, EPixelType::Lum, EDataType::UInt)},
+      {"integral packing", borrowed(8, 1, EPixelType::Lum, EDataType::Integral_5per4)},
       {"void data type", borrowed(2, 2, EPixelType::Lum, EDataType::Void)},
       {"unknown pixel type", borrowed(2, 2, 12345, EDataType::UByte)},
       {"byte count wrapped at 32 bits", borrowed(65536, 65537, EPixelType::Lum, EDataType::UByte)},
@@ -174,9 +158,7 @@ TEST(NuOpenCv, RefusesWhatItCannotViewExactly) {
     cv::Mat const before(1, 1, CV_16SC2);
     cv::Mat mat = before;
     EXPECT_FALSE(OpenCv::WrapImage(mat, c.Image));
-    EXPECT_EQ(mat.data, before.data);
-    EXPECT_EQ(mat.type(), before.type());
-    EXPECT_EQ(mat.size(), before.size());
+    EXPECT_EQ(State(mat), State(before));
   }
 }
 
