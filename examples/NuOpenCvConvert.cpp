@@ -15,9 +15,9 @@ int main() {
   cv::randu(bgr, 0, 256);
   cv::Mat rgb(bgr.size(), CV_32FC3);
 
-  // OpenCV's channel order is BGR: the pixel type says so, the channel count cannot.
+  // CV_8UC3 is BGR by OpenCV's convention; RGB must be named: three channels cannot tell.
   Nu::CNuImageMoniker src, trg;
-  if (!Nu::OpenCv::WrapMat(src, bgr, EPixelType::BGR) || !Nu::OpenCv::WrapMat(trg, rgb, EPixelType::RGB) ||
+  if (!Nu::OpenCv::WrapMat(src, bgr) || !Nu::OpenCv::WrapMat(trg, rgb, EPixelType::RGB) ||
       !Nu::CNuImage::ConvertType(&trg, &src, EPixelType::RGB, EDataType::Float, false)) {
     std::puts("conversion refused");
     return 1;

@@ -65,6 +65,18 @@ constexpr int ChannelsOf(EPixelType::ID pixelType) noexcept {
   }
 }
 
+/// The pixel type that OpenCV's own convention gives a channel count: Lum, LumA, BGR, BGRA;
+/// EPixelType::Void for any other count.
+constexpr EPixelType::ID ConventionalPixelTypeOf(int channels) noexcept {
+  switch (channels) {
+    case 1: return EPixelType::Lum;
+    case 2: return EPixelType::LumA;
+    case 3: return EPixelType::BGR;
+    case 4: return EPixelType::BGRA;
+    default: return EPixelType::Void;
+  }
+}
+
 /// Points `moniker` at the pixels of `mat` without copying: width is cols, height rows.
 /// `dataType` must be stored in `mat`'s depth (DepthOf) and `pixelType` must have `mat`'s
 /// channel count: the channels alone cannot tell RGB from BGR, and OpenCV's own order is BGR.
@@ -86,9 +98,16 @@ inline bool WrapMat(CNuImageMoniker& moniker, cv::Mat const& mat, EPixelType::ID
   return WrapMat(moniker, mat, pixelType, DataTypeOf(mat.depth()));
 }
 
+/// WrapMat with the types of OpenCV's convention: CV_8UC3 is BGR/UByte, CV_16UC1 Lum/UShort,
+/// CV_32FC4 BGRA/Float (ConventionalPixelTypeOf, DataTypeOf). Returns false as WrapMat does.
+inline bool WrapMat(CNuImageMoniker& moniker, cv::Mat const& mat) {
+  return WrapMat(moniker, mat, ConventionalPixelTypeOf(mat.channels()), DataTypeOf(mat.depth()));
+}
+
 // A temporary Mat may hold the only reference to its buffer, which would die with it.
 bool WrapMat(CNuImageMoniker&, cv::Mat&&, EPixelType::ID, EDataType::ID) = delete;
 bool WrapMat(CNuImageMoniker&, cv::Mat&&, EPixelType::ID) = delete;
+bool WrapMat(CNuImageMoniker&, cv::Mat&&) = delete;
 
 /// Makes `mat` a header over the pixels of `image` without copying: rows are the height, cols
 /// the width, the type from DepthOf and ChannelsOf. The Mat borrows the image's memory and

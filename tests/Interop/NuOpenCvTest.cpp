@@ -37,6 +37,11 @@ concept Wrappable = requires(CNuImageMoniker& moniker, TMat&& mat) {
   OpenCv::WrapMat(moniker, std::forward<TMat>(mat), EPixelType::Lum);
 };
 static_assert(Wrappable<cv::Mat&> && Wrappable<cv::Mat const&> && !Wrappable<cv::Mat>);
+template <class TMat>
+concept WrappableByConvention = requires(CNuImageMoniker& moniker, TMat&& mat) {
+  OpenCv::WrapMat(moniker, std::forward<TMat>(mat));
+};
+static_assert(WrappableByConvention<cv::Mat const&> && !WrappableByConvention<cv::Mat>);
 
 // Memory, width, height and type, as the moniker or the Mat tells them.
 std::tuple<void const*, int, int, int, int> State(CNuImageMoniker const& moniker) {
@@ -76,6 +81,16 @@ TEST(NuOpenCv, WrapsEveryMappedTypeWithoutCopying) {
     SCOPED_TRACE(custom);
     ExpectSameMemory(cv::Mat(2, 3, CV_16UC1), EPixelType::Bayer3, custom, custom);
   }
+  // Without a named pixel type, OpenCV's own order: CV_8UC3 is BGR.
+  EPixelType::ID const conventional[] = {EPixelType::Lum, EPixelType::LumA, EPixelType::BGR, EPixelType::BGRA};
+  for (SDepth const& d : Depths)
+    for (int channels = 1; channels <= 4; ++channels) {
+      cv::Mat const mat(2, 3, CV_MAKETYPE(d.Depth, channels));
+      CNuImageMoniker moniker;
+      ASSERT_TRUE(OpenCv::WrapMat(moniker, mat));
+      EXPECT_EQ(State(moniker), std::tuple(static_cast<void const*>(mat.data), 3, 2,
+                                           int(conventional[channels - 1]), int(d.DataType)));
+    }
   SCOPED_TRACE("one row of a wider Mat is still gapless");
   cv::Mat wide(4, 6, CV_8UC3);
   ExpectSameMemory(wide.row(2), EPixelType::BGR, EDataType::UByte);
@@ -138,6 +153,10 @@ TEST(NuOpenCv, RefusesWhatItCannotViewExactly) {
                             : OpenCv::WrapMat(moniker, c.Mat, c.PixelType));
     EXPECT_EQ(State(moniker), was);
   }
+  CNuImageMoniker moniker;
+  cv::Mat const fiveChannels(2, 2, CV_8UC(5));
+  EXPECT_FALSE(OpenCv::WrapMat(moniker, fiveChannels));
+  EXPECT_FALSE(moniker.IsValid());
 
   auto borrowed = [&](int width, int height, int pixelType, int dataType, void* data = &Untouched) {
     CNuImage image;
