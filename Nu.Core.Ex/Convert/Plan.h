@@ -202,15 +202,16 @@ constexpr char const* MoveKernelName(EMoveKernel kind) noexcept {
   return names[static_cast<int>(kind)];
 }
 
-// A full pass with whole-word pixels vectorises as the word loop at any level; otherwise the
-// permutes where VBMI is there. AVX-512 without VBMI runs the AVX2 element loop rather than a
-// third compiled copy of it.
+// The permutes where VBMI is there: one shuffle per 64 target bytes, where the word loop takes
+// a shift and a mask per element. Below it, a full pass with whole-word pixels vectorises as the
+// word loop at any level; otherwise AVX-512 without VBMI runs the AVX2 element loop rather than
+// a third compiled copy of it.
 constexpr SMoveKernel MoveKernelOf(SShape shape, std::size_t bytes, EPass pass, ELevel level) noexcept {
   ELevel const compiled = level > ELevel::Avx512 ? ELevel::Avx512 : level;
   std::size_t const trgPixel = static_cast<std::size_t>(shape.TrgStride) * bytes;
   std::size_t const srcPixel = static_cast<std::size_t>(shape.SrcStride) * bytes;
-  if (pass == EPass::Full && trgPixel > 1 && IsWord(trgPixel) && IsWord(srcPixel)) return {EMoveKernel::Words, compiled};
   if (Permutes(shape, bytes, pass) && level == ELevel::Avx512Vbmi) return {EMoveKernel::Permute, level};
+  if (pass == EPass::Full && trgPixel > 1 && IsWord(trgPixel) && IsWord(srcPixel)) return {EMoveKernel::Words, compiled};
   if (Permutes(shape, bytes, pass) && level == ELevel::Avx512) return {EMoveKernel::Elements, ELevel::Avx2};
   return {EMoveKernel::Elements, compiled};
 }
