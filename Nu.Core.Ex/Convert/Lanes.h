@@ -452,6 +452,34 @@ NU_LANES_ void ConvertSingleLanes(TE* trg, float const* src, __mmask16 mask) noe
   StoreNarrowed<TE, Tail>(trg, _mm512_cvttps_epi32(t), mask);
 }
 
+// ---- Float and Double from Int: the Mersenne form in one fused operation -------------------
+// x 2^-31 + (2x + s) 2^-63 is x (2^-31 + 2^-62) + s 2^-63: the product of x (31 bits) and the
+// constant (two bits) is exact inside a fused multiply-add, which rounds the sum once, as the
+// form's addition does. Zero and below take the scale 2^-31 and nothing added: the rule's exact
+// product.
+template <class TE, bool Tail>
+NU_LANES_ void ConvertMersenneLanes(TE* trg, int const* src, __mmask16 mask) noexcept {
+  __m512i const x = Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src);
+  __mmask16 const positive = _mm512_cmpgt_epi32_mask(x, _mm512_setzero_si512());
+  __mmask16 const unit = _mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(1 << 22));
+  __m512d v[2];
+  for (int half = 0; half < 2; ++half) {
+    __m512d const d = _mm512_cvtepi32_pd(half == 0 ? _mm512_castsi512_si256(x) : _mm512_extracti64x4_epi64(x, 1));
+    __m512d const scale = _mm512_mask_blend_pd(static_cast<__mmask8>(positive >> (8 * half)), _mm512_set1_pd(0x1p-31),
+                                               _mm512_set1_pd(0x1p-31 + 0x1p-62));
+    __m512d const added = _mm512_maskz_mov_pd(static_cast<__mmask8>(unit >> (8 * half)), _mm512_set1_pd(0x1p-63));
+    v[half] = _mm512_fmadd_pd(d, scale, added);
+  }
+  if constexpr (std::is_same_v<TE, float>) {
+    __m512 const f = _mm512_insertf32x8(_mm512_castps256_ps512(_mm512_cvtpd_ps(v[0])), _mm512_cvtpd_ps(v[1]), 1);
+    Tail ? _mm512_mask_storeu_ps(trg, mask, f) : _mm512_storeu_ps(trg, f);
+  } else {
+    for (int half = 0; half < 2; ++half)
+      Tail ? _mm512_mask_storeu_pd(trg + 8 * half, static_cast<__mmask8>(mask >> (8 * half)), v[half])
+           : _mm512_storeu_pd(trg + 8 * half, v[half]);
+  }
+}
+
 // ---- between Int, UInt and Float: sixteen 32-bit lanes in, sixteen out --------------------
 // The register form of the rule for the mapped layout moves. Between the integer types the
 // closed forms of ConvertChannelValue; otherwise the rule in double, eight lanes at a time.
@@ -523,6 +551,9 @@ NU_TARGET_Avx512 NU_NOCLONE void ConvertLanes(std::size_t n, TE* trg, SE const* 
   } else if constexpr (K == EValueKernel::Widen) {
     for (; i + 32 <= n; i += 32) ConvertWidenLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
     if (i < n) ConvertWidenLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));
+  } else if constexpr (K == EValueKernel::Mersenne) {
+    for (; i + 16 <= n; i += 16) ConvertMersenneLanes<TE, false>(trg + i, src + i, 0xFFFF);
+    if (i < n) ConvertMersenneLanes<TE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
   } else if constexpr (K == EValueKernel::Narrow) {
     for (; i + 16 <= n; i += 16) ConvertNarrowLanes<TE, SE, false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertNarrowLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));

@@ -95,6 +95,7 @@ enum class EValueKernel : std::uint8_t {
   Narrow,      // the Scaled form narrowing: (y + (y >> k) + 1) >> k in 64-bit lanes
   Small,       // the Small form in 16-bit lanes
   Single,      // Float into 8/16-bit integers in single-precision lanes
+  Mersenne,    // the Mersenne form (Float and Double from Int), one fused multiply-add per lane
   Repeat,      // Double from the byte types by their repeated bits
   ByteTable,   // between the byte types: a 256-byte table of the rule's results
   WidenBytes,  // Widen from the byte types, the second term from a 256-byte table
@@ -106,19 +107,22 @@ struct SValueKernel {
 };
 
 constexpr char const* ValueKernelName(EValueKernel kind) noexcept {
-  constexpr char const* names[] = {"none",  "loop",   "rule",   "halve",     "widen",      "narrow",
-                                   "small", "single", "repeat", "bytetable", "widenbytes", "mapped"};
+  constexpr char const* names[] = {"none",   "loop",     "rule",   "halve",     "widen",      "narrow", "small",
+                                   "single", "mersenne", "repeat", "bytetable", "widenbytes", "mapped"};
   return names[static_cast<int>(kind)];
 }
 
 // The lanes of AVX-512 for a pair, by its form. Forms that the compiler vectorises well as they
-// stand (Multiple, Twice, Single, UInt to Int) and floating targets keep the loop.
+// stand (Multiple, Twice, Single, UInt to Int) and floating targets keep the loop; the Mersenne
+// form has lanes of its own for the fused multiply-add, which the loop's contraction-free
+// arithmetic may not use.
 constexpr EValueKernel LanesOf(SDataInfo trg, SDataInfo src) noexcept {
   switch (ValueFormOf(trg, src)) {
     case EValueForm::Copy: return EValueKernel::None;
     case EValueForm::Halve: return src.Bytes <= 2 ? EValueKernel::Halve : EValueKernel::Loop;
     case EValueForm::Scaled: return trg.Bytes == 4 ? EValueKernel::Widen : EValueKernel::Narrow;
     case EValueForm::Small: return EValueKernel::Small;
+    case EValueForm::Mersenne: return EValueKernel::Mersenne;
     case EValueForm::Rule:
       if (trg.Id == EDataType::Double && src.IsInteger && src.Bytes == 1) return EValueKernel::Repeat;
       if (src.Id == EDataType::Float && trg.IsInteger && trg.Bytes <= 2) return EValueKernel::Single;
