@@ -1,5 +1,5 @@
-// The oracle is tested first: the documented values, forms and counts of the value rule, the
-// layout rule and the custom widening against the reference model alone.
+// The oracle is pinned first, independently of the library: values, layouts, round-trip counts
+// and custom words worked out by hand from the documented rules.
 #include "ConvertReference.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <random>
 #include <vector>
 
 namespace {
@@ -25,25 +24,21 @@ std::uint64_t Raw(int type, double v) {
   if (row.Integer) return static_cast<std::uint64_t>(static_cast<std::int64_t>(v)) & (~0ull >> (64 - 8 * row.Bytes));
   return row.Bytes == 4 ? std::bit_cast<std::uint32_t>(static_cast<float>(v)) : std::bit_cast<std::uint64_t>(v);
 }
-double Value(int type, std::uint64_t bits) {
-  NuRef::SDataRow const& row = *NuRef::FindDataType(type);
-  unsigned const shift = 64 - 8 * row.Bytes;
-  if (!row.Integer) return row.Bytes == 4 ? std::bit_cast<float>(static_cast<std::uint32_t>(bits)) : std::bit_cast<double>(bits);
-  return row.Signed ? static_cast<double>(static_cast<std::int64_t>(bits << shift) >> shift) : static_cast<double>(bits);
-}
 double Ref(int trg, int src, double x) {
+  NuRef::SDataRow const& row = *NuRef::FindDataType(trg);
   std::uint64_t in = Raw(src, x), out = 0;
   NuRef::ConvertValue(trg, &out, src, &in);
-  return Value(trg, out);
+  unsigned const shift = 64 - 8 * row.Bytes;
+  if (!row.Integer) return row.Bytes == 4 ? std::bit_cast<float>(static_cast<std::uint32_t>(out)) : std::bit_cast<double>(out);
+  return row.Signed ? static_cast<double>(static_cast<std::int64_t>(out << shift) >> shift) : static_cast<double>(out);
 }
 // Elements of a data type as a run of raw bytes, Keep as the bytes 0x55.
 std::vector<unsigned char> Elements(int type, std::vector<double> const& values) {
   unsigned const size = NuRef::FindDataType(type)->Bytes;
   std::vector<unsigned char> bytes(values.size() * size, 0x55);
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (values[i] == Keep) continue;
     std::uint64_t const bits = Raw(type, values[i]);
-    std::memcpy(&bytes[i * size], &bits, size);
+    if (values[i] != Keep) std::memcpy(&bytes[i * size], &bits, size);
   }
   return bytes;
 }
@@ -67,44 +62,12 @@ TEST(ReferenceModel, DocumentedValues) {
       {Float, Byte, {-128, 127}, {-1, 1}}, {Float, Int, {2147483647}, {1}}, {Double, Float, {-0.0}, {-0.0}},
       {Float, Double, {1e300, NaN}, {INFINITY, NaN}}, {Int, Double, {NaN, -INFINITY, -0.0}, {-2147483648.0, -2147483648.0, 0}},
       {Byte, Double, {NaN}, {0}}, {UByte, Double, {NaN}, {0}}, {Short, Double, {NaN}, {0}}, {UShort, Double, {NaN}, {0}},
-      {UInt, Double, {NaN}, {0}}, {Double, Double, {NaN}, {NaN}},
+      {UInt, Double, {NaN}, {0}}, {Double, Double, {NaN}, {NaN}}, {UShort, UByte, {1, 255}, {257, 65535}},
+      {UInt, UShort, {1, 65535}, {65537, 4294967295.0}}, {UByte, UInt, {16843008, 16843009}, {0, 1}},
   };
   for (auto const& c : cases)
     for (std::size_t i = 0; i < c.From.size(); ++i)
       EXPECT_EQ(Raw(c.Trg, Ref(c.Trg, c.Src, c.From[i])), Raw(c.Trg, c.To[i])) << Name(c.Trg) << " <- " << Name(c.Src) << " " << c.From[i];
-}
-
-// The closed forms of the table of 64 pairs over every value of the 8- and 16-bit sources and a
-// fixed-seed sample of the 32-bit ones; some hold for zero and below only.
-TEST(ReferenceModel, ClosedFormsOfThePairTable) {
-  struct {
-    int Trg, Src;
-    bool NonPositiveOnly;
-    double (*Form)(double);
-  } const cases[] = {
-      {Short, Byte, true, [](double x) { return x * 256; }},    {Int, Byte, true, [](double x) { return x * 16777216; }},
-      {Double, Byte, true, [](double x) { return x / 128; }},   {UShort, UByte, false, [](double x) { return x * 257; }},
-      {UInt, UByte, false, [](double x) { return x * 16843009; }}, {Byte, Short, true, [](double x) { return std::trunc(x / 256); }},
-      {Int, Short, true, [](double x) { return x * 65536; }},   {Float, Short, true, [](double x) { return x / 32768; }},
-      {UByte, UShort, false, [](double x) { return std::trunc(x / 257); }}, {UInt, UShort, false, [](double x) { return x * 65537; }},
-      {UByte, UInt, false, [](double x) { return std::trunc(x / 16843009); }},
-      {UShort, UInt, false, [](double x) { return std::trunc(x / 65537); }},
-      {Byte, Int, true, [](double x) { return std::trunc(x / 16777216); }}, {Short, Int, true, [](double x) { return std::trunc(x / 65536); }},
-      {Double, Int, true, [](double x) { return x / 2147483648.0; }},
-  };
-  std::mt19937 random(20261122);
-  std::vector<std::uint32_t> wide = {0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF};
-  for (int i = 0; i < 100000; ++i) wide.push_back(random());
-  for (auto const& c : cases) {
-    NuRef::SDataRow const& src = *NuRef::FindDataType(c.Src);
-    std::vector<double> values;
-    if (src.Bytes == 4)
-      for (std::uint32_t u : wide) values.push_back(src.Signed ? static_cast<double>(static_cast<std::int32_t>(u)) : u);
-    else
-      for (double x = src.Signed ? src.Smallest : 0; x <= src.Largest; ++x) values.push_back(x);
-    for (double x : values)
-      ASSERT_TRUE((c.NonPositiveOnly && x > 0) || Ref(c.Trg, c.Src, x) == c.Form(x)) << Name(c.Trg) << " <- " << src.Name << " " << x;
-  }
 }
 
 // How many values of the first type a round trip through the second changes, and how many of
@@ -126,10 +89,8 @@ TEST(ReferenceModel, DocumentedRoundTrips) {
       changed += back != x;
       low += back == x - 1;
     }
-    EXPECT_EQ(changed, c.Changed) << first.Name << " by " << Name(c.Second);
-    EXPECT_TRUE(c.OneLow < 0 || low == c.OneLow) << first.Name << " by " << Name(c.Second);
+    EXPECT_TRUE(changed == c.Changed && (c.OneLow < 0 || low == c.OneLow)) << first.Name << " by " << Name(c.Second);
   }
-  EXPECT_EQ(Ref(UByte, Byte, Ref(Byte, UByte, 3)), 2);
 }
 
 TEST(ReferenceModel, DocumentedLayouts) {
@@ -167,11 +128,9 @@ TEST(ReferenceModel, DocumentedCustomWidening) {
     int Type;
     std::uint16_t Word, Result;
   } const cases[] = {
-      {10, 0, 0},         {10, 1, 64},        {10, 2, 128},       {10, 341, 21845},   {10, 511, 32735},   {10, 512, 32799},
-      {10, 682, 43690},   {10, 1022, 65470},  {10, 1023, 65535},  {10, 1024, 63},     {10, 1025, 127},    {10, 2047, 62},
-      {10, 32768, 2018},  {10, 65535, 3972},  {10, 617, 39526},   {12, 0, 0},         {12, 1, 16},        {12, 15, 240},
-      {12, 16, 256},      {12, 2047, 32759},  {12, 2048, 32775},  {12, 4094, 65518},  {12, 4095, 65535},  {12, 4096, 15},
-      {12, 4097, 31},     {12, 32768, 120},   {12, 65535, 224},   {12, 2183, 34936},
+      {10, 0, 0},       {10, 1, 64},       {10, 341, 21845}, {10, 511, 32735}, {10, 512, 32799}, {10, 1022, 65470},
+      {10, 1023, 65535}, {10, 1024, 63},   {10, 2047, 62},   {10, 65535, 3972}, {10, 617, 39526}, {12, 1, 16},
+      {12, 2047, 32759}, {12, 2048, 32775}, {12, 4095, 65535}, {12, 4096, 15},  {12, 65535, 224}, {12, 2183, 34936},
   };
   for (auto const& c : cases) EXPECT_EQ(NuRef::WidenCustom(c.Type, c.Word), c.Result) << c.Type << " " << c.Word;
   // Within the sample range the exact integer quotient, apart from one word each.
