@@ -5,22 +5,19 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 using Nu::CNuImage;
-using NuTest::ExpectRaises;
-using NuTest::Format;
+using namespace NuTest;
 using P = Nu::EPixelType;
 using D = Nu::EDataType;
 
 namespace {
-
-constexpr char ImageFile[] = "Nu.Core.Ex/NuImage.cpp";
-constexpr NuTest::ExpectedLevel Outer = {"Error converting image custom data type", "ConvertCustomType", ImageFile};
-constexpr NuTest::ExpectedLevel InPlace = {"This image can't be converted in place", "ConvertCustomType", ImageFile};
-
+constexpr ExpectedLevel Outer = {"Error converting image custom data type", "ConvertCustomType", ImageFile};
+constexpr ExpectedLevel InPlace = {"This image can't be converted in place", "ConvertCustomType", ImageFile};
 }  // namespace
 
 // Of an image of several channels only the first width * height words: pixels, not channels.
@@ -36,12 +33,10 @@ TEST(ConvertCustomType, EveryWordIntoAnotherImageAndInPlace) {
     P::ID pixelType;
     D::ID dataType;
     trg.GetType(pixelType, dataType);
-    EXPECT_TRUE(pixelType == P::LumA && dataType == D::UShort) << type;
     auto const* out = static_cast<std::uint16_t const*>(trg.GetDataPtr());
-    EXPECT_EQ(std::vector<std::uint16_t>(out, out + 65536), std::vector<std::uint16_t>(expected.begin(), expected.begin() + 65536));
+    EXPECT_TRUE(pixelType == P::LumA && dataType == D::UShort && std::equal(out, out + 65536, expected.begin())) << type;
     src.ConvertCustomType(src);
-    EXPECT_EQ(src.GetDataPtr(), words);
-    EXPECT_EQ(std::vector<std::uint16_t>(words, words + 131072), expected);
+    EXPECT_TRUE(src.GetDataPtr() == words && std::equal(words, words + 131072, expected.begin()));
     ExpectRaises([&] { src.ConvertCustomType(src); }, {Outer, InPlace});  // now UShort
   }
 }
@@ -64,12 +59,9 @@ TEST(ConvertCustomType, RefusalsWithTheirMessages) {
     EXPECT_TRUE(trg.GetDataPtr() == trgBefore && trg.GetByteCount() == 3u) << c.Name;
     ExpectRaises([&] { src.ConvertCustomType(src); }, {Outer, InPlace});
   }
-  // Two empty images have equal null pointers; an empty source into an image with memory is 'Void'.
-  CNuImage empty, otherEmpty, withMemory;
+  // Two empty images have equal null pointers: in place.
+  CNuImage empty, otherEmpty;
   ExpectRaises([&] { empty.ConvertCustomType(otherEmpty); }, {Outer, InPlace});
-  withMemory.Create(1, 1, P::Lum, D::UByte);
-  ExpectRaises([&] { empty.ConvertCustomType(withMemory); },
-               {Outer, {"This image hasn't a supported custom data type 'Void'", "ConvertCustomType", ImageFile}});
 }
 
 // What Create raises comes wrapped; a Create that refuses with false leaves the conversion to

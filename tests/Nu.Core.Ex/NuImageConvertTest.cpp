@@ -5,25 +5,20 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstring>
 #include <iterator>
 #include <string>
 #include <vector>
 
 using Nu::CNuImage;
-using NuTest::ExpectRaises;
-using NuTest::Format;
-using NuTest::SGuarded;
+using namespace NuTest;
 using P = Nu::EPixelType;
 using D = Nu::EDataType;
 
 namespace {
 
-constexpr char ImageFile[] = "Nu.Core.Ex/NuImage.cpp";
-constexpr char FormatFile[] = "Nu.Core.Ex/NuImageFormat.h";
-constexpr NuTest::ExpectedLevel Wrap = {"Error converting image memory", "ConvertMemory", ImageFile};
-constexpr NuTest::ExpectedLevel Gate = {"Can only convert the data type of a bayer pixel type", "_ConvertTrgSwitch", ImageFile};
+constexpr ExpectedLevel Wrap = {"Error converting image memory", "ConvertMemory", ImageFile};
+constexpr ExpectedLevel Gate = {"Can only convert the data type of a bayer pixel type", "_ConvertTrgSwitch", ImageFile};
 
 class AllPairs : public ::testing::TestWithParam<int> {};
 
@@ -34,12 +29,12 @@ class AllPairs : public ::testing::TestWithParam<int> {};
 // runs, both sized for the LumA rule, which reads and writes count pixels beyond them. Then the
 // public road once: the same bytes, or the Bayer gate's raise with nothing written.
 TEST_P(AllPairs, EveryLeafMatchesTheReferenceByteForByte) {
-  NuTest::STargetEntry const& target = NuTest::AllTargets[GetParam()];
+  STargetEntry const& target = AllTargets[GetParam()];
   unsigned const trgPixel = NuRef::PixelBytes(target.PixelType, target.DataType);
   unsigned const trgElement = NuRef::FindDataType(target.DataType)->Bytes;
   for (NuRef::SLayoutRow const& srcLayout : NuRef::Layouts) {
     for (NuRef::SDataRow const& srcData : NuRef::DataTypes) {
-      SCOPED_TRACE(NuTest::PairName(target.PixelType, target.DataType, srcLayout.Id, srcData.Id));
+      SCOPED_TRACE(PairName(target.PixelType, target.DataType, srcLayout.Id, srcData.Id));
       unsigned const srcPixel = NuRef::PixelBytes(srcLayout.Id, srcData.Id);
       unsigned const counts[] = {0, 1, 2, 15, 16, 17, 63, 64, 65, 1031, 17};  // the last by the public road
       for (unsigned i = 0; i < std::size(counts); ++i) {
@@ -47,7 +42,7 @@ TEST_P(AllPairs, EveryLeafMatchesTheReferenceByteForByte) {
         SCOPED_TRACE("count " + std::to_string(count) + ", shift " + std::to_string(shift));
         std::mt19937_64 random(GetParam() * 100003u + srcLayout.Id * 31u + srcData.Id + count);
         SGuarded src(2 * count * srcPixel, srcData.Bytes, 0xA5, shift);
-        NuTest::FillRandom(src.Run(), 2 * count * srcPixel / srcData.Bytes, srcData.Id, random);
+        FillRandom(src.Run(), 2 * count * srcPixel / srcData.Bytes, srcData.Id, random);
         std::vector<unsigned char> const srcBefore = src.Bytes;
         SGuarded trg(2 * count * trgPixel, trgElement, 0x5C, shift), expected = trg;
         NuRef::ConvertRun(target.PixelType, target.DataType, expected.Run(), srcLayout.Id, srcData.Id, src.Run(), count);
@@ -61,7 +56,7 @@ TEST_P(AllPairs, EveryLeafMatchesTheReferenceByteForByte) {
         } else {
           EXPECT_TRUE(CNuImage::ConvertMemory(trg.Run(), src.Run(), trgFormat, srcFormat));
         }
-        ASSERT_TRUE(NuTest::SameBytes(trg.Bytes, expected.Bytes));
+        ASSERT_TRUE(SameBytes(trg.Bytes, expected.Bytes));
         ASSERT_EQ(src.Bytes, srcBefore);
       }
     }
@@ -71,11 +66,11 @@ TEST_P(AllPairs, EveryLeafMatchesTheReferenceByteForByte) {
 // Overlapping runs (a conversion in place, or runs shifted against each other) give the result
 // of the reference applied element by element in the documented order on the same memory.
 TEST_P(AllPairs, OverlappingRunsGiveThePlainForwardResult) {
-  NuTest::STargetEntry const& target = NuTest::AllTargets[GetParam()];
+  STargetEntry const& target = AllTargets[GetParam()];
   unsigned const count = 37;
   for (NuRef::SLayoutRow const& srcLayout : NuRef::Layouts) {
     for (NuRef::SDataRow const& srcData : NuRef::DataTypes) {
-      SCOPED_TRACE(NuTest::PairName(target.PixelType, target.DataType, srcLayout.Id, srcData.Id));
+      SCOPED_TRACE(PairName(target.PixelType, target.DataType, srcLayout.Id, srcData.Id));
       unsigned const srcPixel = NuRef::PixelBytes(srcLayout.Id, srcData.Id);
       std::size_t const span = 2 * count * std::max(srcPixel, NuRef::PixelBytes(target.PixelType, target.DataType));
       std::size_t const srcOffset = 64 + span / 8 * 8, half = count * srcPixel / 2 / 8 * 8;
@@ -83,18 +78,18 @@ TEST_P(AllPairs, OverlappingRunsGiveThePlainForwardResult) {
         SCOPED_TRACE("target offset " + std::to_string(static_cast<long>(trgOffset - srcOffset)));
         std::mt19937_64 random(GetParam() * 7u + srcLayout.Id + srcData.Id + trgOffset);
         std::vector<unsigned char> memory(2 * srcOffset + span + 64, 0);
-        NuTest::FillRandom(memory.data(), memory.size() / srcData.Bytes, srcData.Id, random);
+        FillRandom(memory.data(), memory.size() / srcData.Bytes, srcData.Id, random);
         std::vector<unsigned char> expected = memory;
         NuRef::ConvertRun(target.PixelType, target.DataType, &expected[trgOffset], srcLayout.Id, srcData.Id, &expected[srcOffset], count);
         EXPECT_TRUE(target.Call(&memory[srcOffset], Format(count, 1, srcLayout.Id, srcData.Id), &memory[trgOffset]));
-        ASSERT_TRUE(NuTest::SameBytes(memory, expected));
+        ASSERT_TRUE(SameBytes(memory, expected));
       }
     }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Targets, AllPairs, ::testing::Range(0, NuTest::TargetCount),
-                         [](::testing::TestParamInfo<int> const& info) { return std::string(NuTest::AllTargets[info.param].Name); });
+INSTANTIATE_TEST_SUITE_P(Targets, AllPairs, ::testing::Range(0, TargetCount),
+                         [](::testing::TestParamInfo<int> const& info) { return std::string(AllTargets[info.param].Name); });
 
 // Target pixel type, Bayer gate (before any data type, whatever the count), target data type,
 // source pixel type, source data type; the same format takes the shortcut first, where unknown
@@ -120,27 +115,23 @@ TEST(ConversionDispatch, DecisionsInTheirOrderWithThreeOutcomes) {
       {P::Lum, 5128, P::Lum, 5128, 2, 1, NoData},                  {12345, D::UByte, 12345, D::UByte, 2, 1, NoPixel},
   };
   for (auto const& c : cases) {
-    SCOPED_TRACE(std::to_string(c.TrgPixel) + "/" + std::to_string(c.TrgData) + " <- " + std::to_string(c.SrcPixel) + "/" +
-                 std::to_string(c.SrcData) + ", " + std::to_string(c.Width) + " by " + std::to_string(c.Height));
+    SCOPED_TRACE(testing::Message() << c.TrgPixel << "/" << c.TrgData << " <- " << c.SrcPixel << "/" << c.SrcData << ", "
+                                    << c.Width << " by " << c.Height);
     unsigned char src[64] = {}, trg[64];
     std::memset(trg, 0x77, sizeof trg);
     auto const trgFormat = Format(c.Width, c.Height, c.TrgPixel, c.TrgData), srcFormat = Format(c.Width, c.Height, c.SrcPixel, c.SrcData);
     auto const convert = [&] { return CNuImage::ConvertMemory(trg, src, trgFormat, srcFormat); };
-    if (c.Outcome == Gated) {
-      ExpectRaises(convert, {Wrap, Gate});
-      ExpectRaises([&] { CNuImage::_ConvertTrgSwitch(trg, src, trgFormat, srcFormat); }, {Gate});
-    } else if (c.Outcome == NoData) {
-      ExpectRaises(convert, {Wrap, {"Unknown data type 'Unknown'", "GetBytesPerChannel", FormatFile}});
-    } else if (c.Outcome == NoPixel) {
-      ExpectRaises(convert, {Wrap, {"Unknown pixel type", "GetComponentCount", FormatFile}});
-    } else {
-      EXPECT_EQ(convert(), c.Outcome == True);
-    }
+    if (c.Outcome == Gated) ExpectRaises([&] { CNuImage::_ConvertTrgSwitch(trg, src, trgFormat, srcFormat); }, {Gate});
+    if (c.Outcome < Gated) EXPECT_EQ(convert(), c.Outcome == True);
+    else
+      ExpectRaises(convert, {Wrap, c.Outcome == Gated    ? Gate
+                                   : c.Outcome == NoData ? ExpectedLevel{"Unknown data type 'Unknown'", "GetBytesPerChannel", FormatFile}
+                                                         : ExpectedLevel{"Unknown pixel type", "GetComponentCount", FormatFile}});
     bool const written = c.Outcome == True && trgFormat.GetPixelCount() != 0;
     EXPECT_TRUE(written || std::vector<unsigned char>(trg, trg + 64) == std::vector<unsigned char>(64, 0x77));
   }
   unsigned char buffer[8] = {};  // the same source switch stands behind every target
-  for (NuTest::STargetEntry const& target : NuTest::AllTargets)
+  for (STargetEntry const& target : AllTargets)
     EXPECT_FALSE(target.Call(buffer, Format(2, 1, 12345, D::UByte), buffer) || target.Call(buffer, Format(2, 1, P::Lum, 5129), buffer));
 }
 
@@ -161,7 +152,7 @@ TEST(ConversionDispatch, SameFormatIsOneBlockCopy) {
     std::copy_n(src.begin(), c.Bytes, expected.begin());
     Nu::CNuImageFormat const format = Format(c.Width, c.Height, c.PixelType, c.DataType);
     EXPECT_TRUE(CNuImage::ConvertMemory(trg.data(), src.data(), format, format));
-    EXPECT_TRUE(NuTest::SameBytes(trg, expected)) << c.PixelType << "/" << c.DataType;
+    EXPECT_TRUE(SameBytes(trg, expected)) << c.PixelType << "/" << c.DataType;
   }
   unsigned char trg[8] = {};
   EXPECT_TRUE(CNuImage::ConvertMemory(trg, src.data(), Format(1, 1, P::Lum, D::UByte), Format(2, 2, P::Lum, D::UByte)));
@@ -213,37 +204,27 @@ TEST(ConvertType, StepsInTheirOrder) {
     src.Valid = c.Valid;
     trg.CreateResult = c.CreateResult;
     EXPECT_EQ(CNuImage::ConvertType(&trg, &src, P::Lum, D::Float, c.Create), c.Result);
-    EXPECT_EQ(src.Calls, c.Source);
-    EXPECT_EQ(trg.Calls, c.Target);
+    EXPECT_TRUE(src.Calls == c.Source && trg.Calls == c.Target) << src.Calls << "| " << trg.Calls;
     EXPECT_TRUE(!c.Result || static_cast<float const*>(trg.Image.GetDataPtr())[5] == static_cast<float>(200 / 255.0));
   }
 }
 
+// A custom source reaches UShort only by ConvertCustomType, though the target is created by then;
+// to its own format it is copied. What Create raises passes through unwrapped. The same image
+// with the same byte count is converted in place in forward order, else into fresh memory.
 TEST(ConvertType, OutcomesOnImages) {
-  CNuImage empty, trg, custom, zeroWide, lum;
-  EXPECT_FALSE(empty.ConvertType(trg, P::RGB, D::UByte));
-  EXPECT_FALSE(trg.IsValid());
-  // A custom source reaches UShort only by ConvertCustomType, though the target is created by
-  // then; to its own format it is copied.
+  CNuImage empty, trg, custom, zeroWide, image;
+  EXPECT_FALSE(empty.ConvertType(trg, P::RGB, D::UByte) || trg.IsValid());
   custom.Create(4, 4, P::Lum, D::Custom_10in16_LSB);
   std::memset(custom.GetDataPtr(), 1, custom.GetByteCount());
   EXPECT_FALSE(custom.ConvertType(trg, P::Lum, D::UShort));
   EXPECT_EQ(trg.GetByteCount(), 32u);
   EXPECT_TRUE(custom.ConvertType(trg, P::Lum, D::Custom_10in16_LSB));
   EXPECT_EQ(std::memcmp(trg.GetDataPtr(), custom.GetDataPtr(), 32), 0);
-  // What Create raises passes through unwrapped; the Bayer gate's raise is wrapped.
   unsigned char pixels[4] = {1, 2, 3, 4};
   zeroWide.CreateMoniker(Format(0, 4, P::Lum, D::UByte), pixels, 0.0, 0);
   ExpectRaises([&] { zeroWide.ConvertType(trg, P::RGB, D::UByte); },
                {{"Error creating image", "Create", ImageFile}, {"Image width or height is 0", "Create", ImageFile}});
-  lum.Create(2, 1, P::Lum, D::UByte);
-  ExpectRaises([&] { lum.ConvertType(trg, P::Bayer1, D::UByte); }, {Wrap, Gate});
-}
-
-// The same image: with the same byte count the block is kept and converted in place in forward
-// order; the same format copies it onto itself; another byte count converts fresh memory.
-TEST(ConvertType, SameImageInPlace) {
-  CNuImage image;
   image.Create(5, 1, P::RGBA, D::UByte);
   auto* bytes = static_cast<unsigned char*>(image.GetDataPtr());
   for (int i = 0; i < 20; ++i) bytes[i] = static_cast<unsigned char>(10 * i + 1);
@@ -251,9 +232,7 @@ TEST(ConvertType, SameImageInPlace) {
   NuRef::ConvertRun(P::BGRA, D::UByte, expected.data(), P::RGBA, D::UByte, expected.data(), 5);
   for (int i = 0; i < 2; ++i) {
     EXPECT_TRUE(image.ConvertType(image, P::BGRA, D::UByte));
-    EXPECT_EQ(image.GetDataPtr(), bytes);
-    EXPECT_EQ(std::vector<unsigned char>(bytes, bytes + 20), expected);
+    EXPECT_TRUE(image.GetDataPtr() == bytes && std::vector<unsigned char>(bytes, bytes + 20) == expected);
   }
-  EXPECT_TRUE(image.ConvertType(image, P::RGB, D::Double));
-  EXPECT_EQ(image.GetByteCount(), 120u);
+  EXPECT_TRUE(image.ConvertType(image, P::RGB, D::Double) && image.GetByteCount() == 120u);
 }

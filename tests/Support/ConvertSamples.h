@@ -2,15 +2,13 @@
 // What the conversion tests share: the 80 exported source switches by run-time ids, guarded
 // runs, random pixels, and the source values of the value rule (every value of the 8/16-bit
 // types; bounds, specials and a fixed-seed sample of the wider ones).
-#include <Nu.Core.Ex/NuImage.h>
-
 #include <Reference/ConvertReference.h>
+#include <Support/ImageCheck.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <bit>
-
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -36,10 +34,6 @@ inline STargetEntry const AllTargets[] = {NU_ALL_PIXELS(NU_TEST_TARGET_ENTRY_)};
 #undef NU_TEST_TARGET_ENTRY_
 inline constexpr int TargetCount = static_cast<int>(sizeof AllTargets / sizeof AllTargets[0]);
 static_assert(TargetCount == 80);
-
-inline Nu::CNuImageFormat Format(int width, int height, int pixelType, int dataType) {
-  return {width, height, static_cast<Nu::EPixelType::ID>(pixelType), static_cast<Nu::EDataType::ID>(dataType)};
-}
 
 inline std::string PairName(int trgPixel, int trgData, int srcPixel, int srcData) {
   return std::string(NuRef::FindLayout(trgPixel)->Name) + "/" + NuRef::FindDataType(trgData)->Name + " <- " +

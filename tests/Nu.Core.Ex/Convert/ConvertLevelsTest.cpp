@@ -1,9 +1,6 @@
 // The engine at every instruction-set level this CPU has, bit for bit against the reference
-// model: the value kernels of all 64 type pairs; every layout shape for type pairs that reach
-// every order, move kernel and element size of tests/Golden/ConvertPlans.txt; mapped pairs over
-// the whole value sample; runs that stream or fetch ahead. The kernels are the library's own
-// objects and the level goes down as the library passes it (ConvertRunAt). Templates only
-// collect the kernels; the checks are plain functions, which keeps this unit quick to build.
+// model, through the library's own kernel objects and ConvertRunAt. Templates only collect the
+// kernels; the checks are plain functions, which keeps this unit quick to build.
 #include <Nu.Core.Ex/Convert/Leaf.h>
 
 #include <Support/ConvertSamples.h>
@@ -50,29 +47,26 @@ template <int TP, int TD, int SP, int SD>
 SPair PairOf() {
   return {TP, TD, SP, SD, TPairOf<Nu::TPixelOf<TP, TD>, Nu::TPixelOf<SP, SD>>::Kernels()};
 }
-template <int TD, int SD, int TP>
+template <int TD, int SD, int TP, int... SPs>
 void AddFrom(std::vector<SPair>& to) {
-  to.insert(to.end(), {PairOf<TP, TD, RGBA, SD>(), PairOf<TP, TD, RGB, SD>(), PairOf<TP, TD, BGRA, SD>(),
-                       PairOf<TP, TD, BGR, SD>(), PairOf<TP, TD, Lum, SD>(), PairOf<TP, TD, LumA, SD>()});
+  (to.push_back(PairOf<TP, TD, SPs, SD>()), ...);
+}
+template <int TD, int SD, int... Ps>
+void AddShapes(std::vector<SPair>& to) {
+  (AddFrom<TD, SD, Ps, Ps...>(to), ...);
 }
 template <int TD, int SD>
-struct TShapes {
-  void operator()(std::vector<SPair>& to) const {
-    AddFrom<TD, SD, RGBA>(to), AddFrom<TD, SD, RGB>(to), AddFrom<TD, SD, BGRA>(to);
-    AddFrom<TD, SD, BGR>(to), AddFrom<TD, SD, Lum>(to), AddFrom<TD, SD, LumA>(to);
-  }
-};
+constexpr void (*Shapes)(std::vector<SPair>&) = AddShapes<TD, SD, RGBA, RGB, BGRA, BGR, Lum, LumA>;
 
 // Every layout shape (Bayer shapes are Lum's) for the fewest type pairs that reach every order,
 // move kernel and element size of the plans at every level: the same type at each size, the
 // pairs mapped as they move, and pairs through the buffer either way.
 std::vector<SPair> ShapePairs() {
   std::vector<SPair> to;
-  auto const add = [&](auto... types) { (types(to), ...); };
-  add(TShapes<Byte, Byte>{}, TShapes<Short, Short>{}, TShapes<Int, Int>{}, TShapes<Double, Double>{},
-      TShapes<Byte, UByte>{}, TShapes<Short, UShort>{}, TShapes<Int, UInt>{}, TShapes<Double, Byte>{},
-      TShapes<Byte, Double>{}, TShapes<Short, Int>{}, TShapes<Int, Short>{}, TShapes<Double, Short>{},
-      TShapes<Double, Int>{});
+  for (auto add : {Shapes<Byte, Byte>, Shapes<Short, Short>, Shapes<Int, Int>, Shapes<Double, Double>, Shapes<Byte, UByte>,
+                   Shapes<Short, UShort>, Shapes<Int, UInt>, Shapes<Double, Byte>, Shapes<Byte, Double>, Shapes<Short, Int>,
+                   Shapes<Int, Short>, Shapes<Double, Short>, Shapes<Double, Int>})
+    add(to);
   return to;
 }
 
