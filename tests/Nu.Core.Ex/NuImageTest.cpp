@@ -1,11 +1,10 @@
-#include <Nu.Core.Ex/NuImage.h>
-
+// The format record, the owning image and the moniker.
 #include <Support/ExceptionCheck.h>
 #include <Support/ImageCheck.h>
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -13,6 +12,29 @@
 
 using namespace Nu;
 using namespace NuTest;
+
+// The binary layout: data type before pixel type.
+static_assert(offsetof(CNuImageFormat, DataType) == 8 && offsetof(CNuImageFormat, PixelType) == 12);
+
+TEST(NuImageFormat, ByteCountsWrapAt32BitsPackedTypesIgnoreThePixelTypeAndUnknownIdsRaiseDataTypeFirst) {
+  std::pair<CNuImageFormat, unsigned int> const cases[] = {
+      {Format(65536, 32768, EPixelType::RGBA, EDataType::UByte), 0},
+      {Format(40000, 40000, EPixelType::RGB, EDataType::Double), static_cast<unsigned int>(40000ull * 40000 * 24)},
+      {Format(3, 1, EPixelType::Lum, EDataType::Integral_5per4), 3},
+      {Format(8, 1, 12345, EDataType::Integral_5per4), 10},
+      {Format(3, 1, EPixelType::Lum, EDataType::Integral_3per2), 4},
+      {Format(80000, 50000, EPixelType::Lum, EDataType::Integral_5per4), 705032704},  // 5e9 cut to 32 bits
+  };
+  for (auto const& [format, bytes] : cases) EXPECT_EQ(format.GetByteCount(), bytes) << format.Width;
+  ExpectRaises([] { Format(8, 1, EPixelType::Lum, EDataType::Integral_3per2).GetBytesPerPixel(); },
+               {{"Unable to determine bytes per pixel from integral data formats", "GetBytesPerPixel", FormatFile}});
+  for (int dataType : {5127, 5129, 5138, -1, 14}) {
+    Chain const unknown = {{"Unknown data type 'Unknown'", "GetBytesPerChannel", FormatFile}};
+    ExpectRaises([&] { Format(1, 1, 1234, dataType).GetByteCount(); }, unknown);
+    ExpectRaises([&] { Format(1, 1, 1234, dataType).GetBytesPerPixel(); }, unknown);
+  }
+  ExpectRaises([] { Format(0, 0, 6406, EDataType::Void).GetByteCount(); }, {{"Unknown pixel type", "GetComponentCount", FormatFile}});
+}
 
 TEST(NuImage, CreateKeepsBlockAndPixelsWhileTheByteCountStaysAndRaisesWrappedLeavingThemAlone) {
   CImage image;  // a byte count of 0, also one that wraps, allocates nothing
@@ -41,13 +63,11 @@ TEST(NuImage, CopiesOwnTheirPixelsMovesAndSwapsCarryEverythingAndASelfMoveEmptie
   source.CreateMoniker(Format(2, 2, EPixelType::RGB, EDataType::UByte), foreign.data(), 2.5, 9u);
   CImage const copy(source);
   assigned = copy;
-  for (CImage const* image : {&copy, static_cast<CImage const*>(&assigned)}) {
-    EXPECT_TRUE(!image->Borrows() && image->Tag() == 9u && image->Value() == 2.5 && image->RawData() != foreign.data());
-    EXPECT_EQ(std::memcmp(image->GetDataPtr(), foreign.data(), 12), 0);
-  }
+  for (CImage const* image : {&copy, static_cast<CImage const*>(&assigned)})
+    EXPECT_TRUE(!image->Borrows() && image->Tag() == 9u && image->Value() == 2.5 && image->RawData() != foreign.data() &&
+                !std::memcmp(image->GetDataPtr(), foreign.data(), 12));
   void const* block = assigned.RawData();
-  Chain const invalid = {{"Error creating image copy", "Create", ImageFile},
-                         {"Given image is invalid", "Create", ImageFile}};
+  Chain const invalid = {{"Error creating image copy", "Create", ImageFile}, {"Given image is invalid", "Create", ImageFile}};
   CImage const empty;
   ExpectRaises([&] { assigned = empty; }, invalid);
   ExpectRaises([&] { assigned.Create(static_cast<IImage const*>(nullptr)); }, invalid);
@@ -145,4 +165,35 @@ TEST(NuImageNormalize, StretchesLumFloatWithSeedsAsInnerLimitsRereadingTheVirtua
   ASSERT_TRUE(image.Create(4, 1, EPixelType::Lum, EDataType::Float, pixels));
   EXPECT_TRUE(image.Normalize());
   EXPECT_EQ(static_cast<float const*>(image.GetDataPtr())[1], 8.0f);
+}
+
+TEST(NuImageMoniker, ViewsWithoutCopyingRefusesWithFalseOrARaiseAndLetsFormatRaisesPassBare) {
+  std::vector<unsigned char> memory(48);
+  Chain const raised = {{"Error creating image moniker", "Create", MonikerFile}};
+  for (CNuImageFormat const& f : {Format(0, 4, EPixelType::RGB, EDataType::UByte), Format(4, 4, EPixelType::RGB, EDataType::Void),
+                                  Format(4, 4, EPixelType::Void, EDataType::UByte)}) {
+    CMoniker moniker(Format(4, 4, EPixelType::RGB, EDataType::UByte), memory.data());
+    EXPECT_FALSE(moniker.Create(f.Width, f.Height, f.PixelType, f.DataType, memory.data()) || !moniker.IsEmpty());
+    ExpectRaises([&] { moniker.Create(f.Width, f.Height, int{f.PixelType}, int{f.DataType}, memory.data()); }, raised);
+    ExpectRaises([&] { moniker.Create(f, memory.data()); }, raised);
+  }
+  CNuImage image, copy;
+  ASSERT_TRUE(image.Create(4, 4, EPixelType::RGB, EDataType::UByte));
+  CMoniker moniker;
+  EXPECT_TRUE(moniker.Create(image));  // a view, no copy
+  ASSERT_TRUE(copy.Create(static_cast<IImage const*>(&moniker)));
+  EXPECT_TRUE(moniker.RawData() == image.GetDataPtr() && copy.GetByteCount() == 48u);
+  CNuImage const empty;
+  EXPECT_FALSE(moniker.Create(static_cast<IImage const*>(&empty)));  // refused before anything changes
+  ExpectRaises([&] { moniker.Create(empty); }, raised);
+  CMoniker moved(std::move(moniker));
+  EXPECT_TRUE(moniker.IsEmpty() && moved.RawData() == image.GetDataPtr() && moved.GetByteCount() == 48u);
+  moniker = moved;
+  moved.Destroy();
+  EXPECT_TRUE(moved.IsEmpty() && moniker.RawData() == image.GetDataPtr() && image.IsValid());
+  // Unlike the image, the moniker lets the format's raise out bare and keeps the rejected format.
+  Chain const integral = {{"Unable to determine bytes per pixel from integral data formats", "GetBytesPerPixel", FormatFile}};
+  ExpectRaises([&] { moved.Create(8, 1, EPixelType::Lum, EDataType::Integral_5per4, memory.data()); }, integral);
+  EXPECT_EQ(moved.RawData(), nullptr);
+  ExpectRaises([&] { moved.GetBytesPerPixel(); }, integral);
 }
