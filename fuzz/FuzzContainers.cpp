@@ -1,7 +1,6 @@
 // Random operations on two int arrays against a plain model: values, lengths, the bounds raise, and
 // the block kept wherever the growth rule (old length + max(old length, added)) does not move it.
 #include <Nu.Core.Ex/NuArrayInt.h>
-
 #include "FuzzInput.h"
 
 #include <algorithm>

@@ -2,9 +2,7 @@
 // and bytes, against the reference model of the tests: the outcome (true, false or raised) and
 // every byte of the target, guards included.
 #include <Nu.Core.Ex/NuImage.h>
-
 #include <Reference/ConvertReference.h>
-
 #include "FuzzInput.h"
 
 #include <cstdint>

@@ -2,7 +2,6 @@
 // quotients truncated toward zero (INT_MIN where the processor gives it), upper index tests, zero
 // nodes refused.
 #include <Nu.Core.Ex/NuMapping3D.h>
-
 #include "FuzzInput.h"
 
 #include <climits>

@@ -4,9 +4,7 @@
 #include <Nu.Core.Ex/NuArrayString.h>
 #include <Nu.Core.Ex/NuMapping3D.h>
 #include <Nu.Core.Ex/NuMetricCalibAddImageResult.h>
-
 #include <Support/ExceptionCheck.h>
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -58,8 +56,7 @@ TEST(AllocationFailure, ArraysRaiseOutOfMemoryAndStayAsTheyWere) {
   CNuArrayDouble array(4, 1.5);
   CNuArrayDouble const longer(9, 2.0);
   void const* block = array.GetPointer();
-  ExpectRaises<CNuOutOfMemoryException>([&] { FailingAllocation f; array.CopyFrom(&longer); },
-                                        {{"std::bad_alloc", "Resize", ArrayFile}});
+  ExpectRaises<CNuOutOfMemoryException>([&] { FailingAllocation f; array.CopyFrom(&longer); }, {{"std::bad_alloc", "Resize", ArrayFile}});
   EXPECT_THROW({ FailingAllocation f; array = longer; }, std::bad_alloc);
   EXPECT_TRUE(array.Length() == 4 && array[3] == 1.5 && array.GetPointer() == block);
   // The first allocation of a sized constructor is its Impl, the second the block.
@@ -72,11 +69,9 @@ TEST(AllocationFailure, ArraysRaiseOutOfMemoryAndStayAsTheyWere) {
 }
 
 TEST(AllocationFailure, LeavesNoLeakWhereverItStrikes) {
-  std::function<void()> const builds[] = {
-      [] { CNuArrayString const array(CNuString("a,,b"), ','), copy(array); },
-      [] { CNuArray2DDouble const array(2, 3), copy(array); },
-      [] { CNuMetricCalibAddImageResult result; },
-  };
+  std::function<void()> const builds[] = {[] { CNuArrayString const array(CNuString("a,,b"), ','), copy(array); },
+                                          [] { CNuArray2DDouble const array(2, 3), copy(array); },
+                                          [] { CNuMetricCalibAddImageResult result; }};
   for (auto const& build : builds) {
     for (long allowed = 0; allowed < 100; ++allowed) {
       long const before = Live;

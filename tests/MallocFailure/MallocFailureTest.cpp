@@ -1,9 +1,7 @@
 // The image's own malloc failing, and its free watched. This binary replaces both for the whole
 // process, which the sanitizers' allocators do not allow, so it is built in plain builds only.
 #include <Nu.Core.Ex/NuImage.h>
-
 #include <Support/ExceptionCheck.h>
-
 #include <gtest/gtest.h>
 
 #include <cstddef>

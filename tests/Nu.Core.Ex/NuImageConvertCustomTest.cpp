@@ -2,7 +2,6 @@
 // image and in place, and every refusal with its chain.
 #include <Support/ConvertSamples.h>
 #include <Support/ExceptionCheck.h>
-
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,9 +1,8 @@
 #include <Nu.Core.Ex/NuMapping3D.h>
-
 #include <Support/ExceptionCheck.h>
-
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -43,16 +42,12 @@ float MappedZ(CNuMapping3D& mapping, float x, float y, float z) {
 
 TEST(NuMapping3D, MapAddsTheLowerCornerNodeYFastestThenXThenZStrictlyInsideAndNeverAZeroNode) {
   CNuMapping3D mapping = UnitSteps(), empty;
-  struct Case {
-    float X, Y, Z, Expected;
-  } const cases[] = {
-      {2.5f, 1.5f, 1.5f, 1.5f + 20},  // node 1 * 12 + 2 * 3 + 1
-      {0.5f, 1.5f, 0.5f, 0.5f + 2},  {1.5f, 0.5f, 0.5f, 0.5f + 4},
-      {0.999f, 0.999f, 0.999f, 0.999f + 1},  // truncated, not rounded
-      {0, 0.5f, 0.5f, Refused},      {3, 0.5f, 0.5f, Refused}, {1, 0, 1, Refused},   {1, 1, 2, Refused},
-      {-1, 1, 1, Refused},           {NaN, 1, 1, Refused},     {1, NaN, 1, Refused}, {1, 1, NaN, Refused},
-  };
-  for (Case const& c : cases) EXPECT_EQ(MappedZ(mapping, c.X, c.Y, c.Z), c.Expected) << c.X << " " << c.Y << " " << c.Z;
+  // (x, y, z, mapped z): node 1 * 12 + 2 * 3 + 1 first; then truncated, not rounded.
+  for (auto [x, y, z, mapped] : {std::array{2.5f, 1.5f, 1.5f, 1.5f + 20}, {0.5f, 1.5f, 0.5f, 0.5f + 2}, {1.5f, 0.5f, 0.5f, 0.5f + 4},
+                                 {0.999f, 0.999f, 0.999f, 0.999f + 1}, {0, 0.5f, 0.5f, Refused}, {3, 0.5f, 0.5f, Refused},
+                                 {1, 0, 1, Refused}, {1, 1, 2, Refused}, {-1, 1, 1, Refused}, {NaN, 1, 1, Refused},
+                                 {1, NaN, 1, Refused}, {1, 1, NaN, Refused}})
+    EXPECT_EQ(MappedZ(mapping, x, y, z), mapped) << x << " " << y << " " << z;
   EXPECT_EQ(MappedZ(empty, 0.5f, 0.5f, 0.5f), Refused);
   for (float node : {0.0f, -0.0f, NaN}) {
     std::vector<float> const nodes(8, node);
@@ -79,21 +74,18 @@ TEST(NuMapping3D, CreateKeepsTheBlockWhileTheWrappingByteCountStaysCopiesOwnThei
   std::vector<float> const twos(36, 2.0f);
   EXPECT_TRUE(!mapping.Set(twos.data()) && block[0] == 2.0f && block[35] == 2.0f);
   mapping.SetZero();
-  EXPECT_EQ(block[0] + block[35], 0.0f);
-  EXPECT_EQ(MappedZ(copy, 2.5f, 1.5f, 1.5f) + MappedZ(assigned, 2.5f, 1.5f, 1.5f), 43.0f);
+  EXPECT_TRUE(block[0] + block[35] == 0.0f && MappedZ(copy, 2.5f, 1.5f, 1.5f) + MappedZ(assigned, 2.5f, 1.5f, 1.5f) == 43.0f);
   block = copy.GetDataPtr();
   CNuMapping3D moved(std::move(copy));
   assigned = std::move(moved);
   EXPECT_TRUE(assigned.GetDataPtr() == block && !copy.IsValid() && !moved.IsValid() && moved.GetByteCount() == 0);
   CNuMapping3D& alias = assigned;
-  EXPECT_TRUE(assigned.Create(std::move(alias)));  // a self-move empties
-  EXPECT_FALSE(assigned.IsValid());
+  EXPECT_TRUE(assigned.Create(std::move(alias)) && !assigned.IsValid());  // a self-move empties
   for (auto [x, y, z] : {std::tuple{0, 2, 2}, {2, -1, 2}, {2, 2, 0}}) {
     ASSERT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nullptr));
     EXPECT_FALSE(mapping.Create(0, 0, 0, 1, 1, 1, x, y, z, nullptr) || mapping.IsValid() || copy.Create(mapping));
   }
-  EXPECT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 32768, 32768, 1, nullptr));  // 2^32 bytes wrap to 0
-  EXPECT_FALSE(mapping.IsValid());
+  EXPECT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 32768, 32768, 1, nullptr) && !mapping.IsValid());  // 2^32 bytes wrap to 0
 }
 
 TEST(NuMapping3D, WrapsNameTheOperationAroundTheCause) {
@@ -107,7 +99,6 @@ TEST(NuMapping3D, WrapsNameTheOperationAroundTheCause) {
   ASSERT_TRUE(mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nullptr));
   mapping.Fail = true;
   ExpectedLevel const cause{"no byte count", "GetByteCount", "Failing.h"};
-  ExpectRaises([&] { mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nullptr); },
-               {{"Error creating mapping", "Create", MappingFile}, cause});
+  ExpectRaises([&] { mapping.Create(0, 0, 0, 1, 1, 1, 2, 2, 2, nullptr); }, {{"Error creating mapping", "Create", MappingFile}, cause});
   ExpectRaises([&] { mapping.SetZero(); }, {{"Error setting image to zero", "SetZero", MappingFile}, cause});
 }

@@ -1,7 +1,5 @@
 #include <Nu.Core.Math/NuMatrix.h>
-
 #include <Support/ExceptionCheck.h>
-
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -43,9 +41,7 @@ constexpr unsigned long Huge = std::numeric_limits<unsigned long>::max() / sizeo
 
 // An element whose construction can be made to raise, to reach the wrap of SetDimensions.
 struct Fragile {
-  Fragile() {
-    if (Armed) NU_RAISE("Fragile.h", "element refused");
-  }
+  Fragile() { if (Armed) NU_RAISE("Fragile.h", "element refused"); }
   explicit Fragile(int) {}  // the default precision's zero
   static inline bool Armed = false;
 };
@@ -71,9 +67,9 @@ TEST(NuMatrix, ResizeKeepsPositionsNewKeepsTheFlatPrefixAndCopyFromTakesTheSourc
   void const* block = filled.GetPointer();
   filled.Resize(0, 3);
   fresh.Resize(0, 3);
-  EXPECT_TRUE(SizeOf(filled) == Size(0, 0) && SizeOf(fresh) == Size(0, 3) && !fresh.IsValid());
   filled.Delete();  // keeps the block, so the matrix stays valid
-  EXPECT_TRUE(filled.GetPointer() == block && filled.IsValid());
+  EXPECT_TRUE(SizeOf(filled) == Size(0, 0) && SizeOf(fresh) == Size(0, 3) && !fresh.IsValid() && filled.GetPointer() == block &&
+              filled.IsValid());
   // A copy takes the source's shape through SetDimensions, and compares element sizes only.
   CNuMatrix<int> target(4, 4);
   block = target.GetPointer();
@@ -82,13 +78,11 @@ TEST(NuMatrix, ResizeKeepsPositionsNewKeepsTheFlatPrefixAndCopyFromTakesTheSourc
   target.CopyFrom(&target);
   EXPECT_TRUE(SizeOf(target) == Size(2, 3) && target.GetPointer() == block);
   CNuMatrix<double> const doubles(1, 1);
-  ExpectRaises([&] { target.CopyFrom(&doubles); },
-               {{"cannot copy Memory2D, elementSize is different", "CopyFrom", MatrixFile}});
+  ExpectRaises([&] { target.CopyFrom(&doubles); }, {{"cannot copy Memory2D, elementSize is different", "CopyFrom", MatrixFile}});
   EXPECT_TRUE(Flat(target) == Flat(CNuMatrix<int>(source)) && Flat(target) == Flat(OneToSix()));
   // The precision every matrix inherits, exact to the bit.
-  EXPECT_EQ(std::bit_cast<std::uint64_t>(doubles.Precision), 0x3D719799812DEA11u);
-  EXPECT_EQ(std::bit_cast<std::uint32_t>(CNuValuePrecision<float>::DefaultPrecision()), 0x358637BDu);
-  EXPECT_EQ(target.Precision, 0);
+  EXPECT_TRUE(std::bit_cast<std::uint64_t>(doubles.Precision) == 0x3D719799812DEA11u && target.Precision == 0 &&
+              std::bit_cast<std::uint32_t>(CNuValuePrecision<float>::DefaultPrecision()) == 0x358637BDu);
 }
 
 // The two resize paths fail differently, by design; none of these sizes reaches the allocator.
@@ -101,7 +95,6 @@ TEST(NuMatrix, ResizeTurnsAnImpossibleBlockIntoOutOfMemoryWhileSetDimensionsPass
   EXPECT_TRUE(SizeOf(matrix) == Size(0, 0) && matrix.GetPointer() == block && SizeOf(empty) == Size(0, 0));
   EXPECT_THROW(empty.Resize(Huge + 1, 1), std::length_error);
   EXPECT_EQ(SizeOf(empty), Size(Huge + 1, 1));
-
   matrix = OneToSix();
   EXPECT_THROW(matrix.SetDimensions(3, Huge / 3), std::bad_alloc);
   EXPECT_TRUE(SizeOf(matrix) == Size(3, Huge / 3) && matrix.GetPointer() == block);
@@ -110,11 +103,9 @@ TEST(NuMatrix, ResizeTurnsAnImpossibleBlockIntoOutOfMemoryWhileSetDimensionsPass
   EXPECT_EQ(Flat(matrix), Ints(16, 0));
   EXPECT_THROW(matrix.New(Huge + 1, 1), std::length_error);
   EXPECT_EQ(SizeOf(matrix), Size(Huge + 1, 1));
-
   CNuMatrix<Fragile> fragile(1, 2);
   Fragile::Armed = true;
-  Chain const wrapped = {{"Error resizing matrix", "SetDimensions", MatrixFile},
-                         {"element refused", "Fragile", "Fragile.h"}};
+  Chain const wrapped = {{"Error resizing matrix", "SetDimensions", MatrixFile}, {"element refused", "Fragile", "Fragile.h"}};
   ExpectRaises([&] { fragile.SetDimensions(2, 2); }, wrapped);
   ExpectRaises([&] { CNuMatrix<Fragile>(1, 1); }, wrapped);
   Fragile::Armed = false;

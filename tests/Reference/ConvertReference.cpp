@@ -81,13 +81,6 @@ void TargetStep(SDataRow const& row, double v, void* trg) {
   std::memcpy(trg, &stored, row.Bytes);
 }
 
-// The target maximum: the largest value of an integer type, 1.0 for the floating ones.
-void StoreMaximum(SDataRow const& row, void* trg) {
-  if (!row.Integer) return TargetStep(row, 1.0, trg);
-  auto const largest = static_cast<std::int64_t>(row.Largest);
-  std::memcpy(trg, &largest, row.Bytes);
-}
-
 }  // namespace
 
 void ConvertValue(int trgType, void* trg, int srcType, void const* src) {
@@ -122,8 +115,8 @@ void ConvertRun(int trgPixelType, int trgDataType, void* trg, int srcPixelType, 
   for (std::size_t p = first; p < first + count; ++p) {
     if (s.Alphas != 0)
       ConvertValue(trgDataType, target(p, t.Alpha), srcDataType, source(p, s.Alpha));
-    else
-      StoreMaximum(*FindDataType(trgDataType), target(p, t.Alpha));
+    else  // the target maximum: the largest value of an integer type, 1.0 of a floating one
+      TargetStep(*FindDataType(trgDataType), 1.0, target(p, t.Alpha));
   }
 }
 

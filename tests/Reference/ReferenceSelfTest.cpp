@@ -1,7 +1,6 @@
-// The oracle is pinned first, independently of the library: values, layouts, round-trip counts
-// and custom words worked out by hand from the documented rules.
+// The oracle is pinned first, independently of the library: values, layouts and custom words
+// worked out by hand from the documented rules.
 #include "ConvertReference.h"
-
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -70,29 +69,6 @@ TEST(ReferenceModel, DocumentedValues) {
       EXPECT_EQ(Raw(c.Trg, Ref(c.Trg, c.Src, c.From[i])), Raw(c.Trg, c.To[i])) << Name(c.Trg) << " <- " << Name(c.Src) << " " << c.From[i];
 }
 
-// How many values of the first type a round trip through the second changes, and how many of
-// those it leaves one too low (-1: not documented).
-TEST(ReferenceModel, DocumentedRoundTrips) {
-  struct {
-    int First, Second, Changed, OneLow;
-  } const cases[] = {
-      {UByte, UShort, 0, 0}, {UByte, UInt, 0, 0}, {UByte, Float, 0, 0}, {UByte, Double, 0, 0}, {UShort, UInt, 0, 0},
-      {UShort, Double, 0, 0}, {Byte, Double, 0, 0}, {Short, Double, 0, 0}, {Byte, Float, 67, 67}, {Short, Float, 16639, 16639},
-      {UShort, Float, 32895, 32895}, {Byte, Short, 126, 126}, {Short, Int, 32766, 32766}, {UByte, Byte, 254, -1},
-      {UShort, Short, 65534, -1}, {UShort, UByte, 65280, -1},
-  };
-  for (auto const& c : cases) {
-    NuRef::SDataRow const& first = *NuRef::FindDataType(c.First);
-    int changed = 0, low = 0;
-    for (double x = first.Signed ? first.Smallest : 0; x <= first.Largest; ++x) {
-      double const back = Ref(c.First, c.Second, Ref(c.Second, c.First, x));
-      changed += back != x;
-      low += back == x - 1;
-    }
-    EXPECT_TRUE(changed == c.Changed && (c.OneLow < 0 || low == c.OneLow)) << first.Name << " by " << Name(c.Second);
-  }
-}
-
 TEST(ReferenceModel, DocumentedLayouts) {
   enum : int { RGBA = 6408, RGB = 6407, BGRA = 32993, BGR = 32992, Lum = 6409, LumA = 6410, Bayer1 = 8193, Bayer2, Bayer4 = 8196 };
   struct {
@@ -133,11 +109,4 @@ TEST(ReferenceModel, DocumentedCustomWidening) {
       {12, 2047, 32759}, {12, 2048, 32775}, {12, 4095, 65535}, {12, 4096, 15},  {12, 65535, 224}, {12, 2183, 34936},
   };
   for (auto const& c : cases) EXPECT_EQ(NuRef::WidenCustom(c.Type, c.Word), c.Result) << c.Type << " " << c.Word;
-  // Within the sample range the exact integer quotient, apart from one word each.
-  for (unsigned divisor : {1023u, 4095u}) {
-    int exceptions = 0;
-    for (unsigned w = 0; w <= divisor; ++w)
-      exceptions += NuRef::WidenCustom(divisor == 1023 ? 10 : 12, static_cast<std::uint16_t>(w)) != w * 65535u / divisor;
-    EXPECT_EQ(exceptions, 1) << divisor;
-  }
 }

@@ -4,7 +4,6 @@
 // types; bounds, specials and a fixed-seed sample of the wider ones).
 #include <Reference/ConvertReference.h>
 #include <Support/ImageCheck.h>
-
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,6 +1,5 @@
 #pragma once
 #include <Nu.Core/NuException.h>
-
 #include <gtest/gtest.h>
 
 #include <initializer_list>
@@ -8,13 +7,10 @@
 namespace NuTest {
 
 // The source paths that the library's raises name.
-inline constexpr char ArrayFile[] = "Nu.Core.Ex/NuArrayBase.h";
-inline constexpr char Array2DFile[] = "Nu.Core.Ex/NuArray2DBase.h";
-inline constexpr char MatrixFile[] = "Nu.Core.Math/NuMatrix.h";
-inline constexpr char FormatFile[] = "Nu.Core.Ex/NuImageFormat.h";
-inline constexpr char ImageFile[] = "Nu.Core.Ex/NuImage.cpp";
-inline constexpr char MonikerFile[] = "Nu.Core.Ex/NuImageMoniker.cpp";
-inline constexpr char MappingFile[] = "Nu.Core.Ex/NuMapping3D.cpp";
+inline constexpr char ArrayFile[] = "Nu.Core.Ex/NuArrayBase.h", Array2DFile[] = "Nu.Core.Ex/NuArray2DBase.h",
+                      MatrixFile[] = "Nu.Core.Math/NuMatrix.h", FormatFile[] = "Nu.Core.Ex/NuImageFormat.h",
+                      ImageFile[] = "Nu.Core.Ex/NuImage.cpp", MonikerFile[] = "Nu.Core.Ex/NuImageMoniker.cpp",
+                      MappingFile[] = "Nu.Core.Ex/NuMapping3D.cpp";
 
 // One level of an exception chain; a Chain lists them outermost first.
 struct ExpectedLevel {

@@ -1,10 +1,8 @@
 // Every path that replaces the two steps of the value rule for a 32-bit source, against PlainRule
 // over all 2^32 source bit patterns, bit for bit, at each instruction-set level this CPU has, on
-// all cores. It takes many minutes, so it carries the ctest label `exhaustive` and stays out of
-// the default run. From the source folder, once the release build is made:
-//   ctest --preset exhaustive
+// all cores: minutes, so it runs apart from the default run (ctest --preset exhaustive).
 #include <Nu.Core.Ex/Convert/Leaf.h>
-
+#include <Nu.Core.Ex/Convert/PlanText.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,11 +25,8 @@ using namespace Nu::Detail;
 namespace {
 
 template <class T>
-constexpr char const* DataName() noexcept {
-#define NU_DATA_NAME_(D, E, ...) if constexpr (std::is_same_v<T, E>) return #D; else
-  NU_DATA_TYPES(NU_DATA_NAME_)
-#undef NU_DATA_NAME_
-  return "?";
+std::string DataName() {
+  return FormatName(EPixelType::Lum, DataIdOf<T>()).substr(4);
 }
 
 template <class T>
@@ -94,7 +89,7 @@ void SweepValues(ELevel const* level) {
   auto one = [&]<class TE>(TE*) {
     if constexpr (!std::is_same_v<TE, SE>) {
       if (!level && ValueFormOf<TE, SE>() == EValueForm::Rule) return;
-      std::string const what = std::string(DataName<TE>()) + " <- " + DataName<SE>() + " at " +
+      std::string const what = DataName<TE>() + " <- " + DataName<SE>() + " at " +
                                (level ? LevelName(*level) : "scalar");
       std::string const failure = Sweep<TE, SE, false>(what, Chunk, [&](TE* trg, SE const* src, std::size_t n) {
         if (level)
@@ -118,7 +113,7 @@ template <int TD, int SD>
 void SweepMapped(ELevel level) {
   using TE = TElementOf<TD>;
   using SE = TElementOf<SD>;
-  std::string const what = std::string("BGR/") + DataName<TE>() + " <- RGB/" + DataName<SE>() + " at " + LevelName(level);
+  std::string const what = "BGR/" + DataName<TE>() + " <- RGB/" + DataName<SE>() + " at " + LevelName(level);
   std::string const failure = Sweep<TE, SE, true>(what, 3 * Chunk, [&](TE* trg, SE const* src, std::size_t n) {
     ConvertRunAt(level, static_cast<unsigned int>(n / 3), trg, src,
                  TPairOf<TPixelOf<EPixelType::BGR, TD>, TPixelOf<EPixelType::RGB, SD>>::Kernels());

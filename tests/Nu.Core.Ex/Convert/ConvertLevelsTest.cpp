@@ -2,9 +2,7 @@
 // model, through the library's own kernel objects and ConvertRunAt. Templates only collect the
 // kernels; the checks are plain functions, which keeps this unit quick to build.
 #include <Nu.Core.Ex/Convert/Leaf.h>
-
 #include <Support/ConvertSamples.h>
-
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -2,7 +2,6 @@
 // every change of path shows as a diff of that file. After a deliberate change, regenerate it with
 //   NU_WRITE_GOLDEN=1 build/release/tests/NuCoreExTests --gtest_filter='ConvertPlans.*'
 #include <Nu.Core.Ex/Convert/PlanText.h>
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
