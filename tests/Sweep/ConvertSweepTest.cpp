@@ -148,8 +148,4 @@ TEST_P(ConvertSweep, MappedPairsMatchThePlainRule) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Levels, ConvertSweep, ::testing::ValuesIn(AllLevels),
-                         [](::testing::TestParamInfo<ELevel> const& info) {
-                           std::string name = LevelName(info.param);
-                           name[0] = static_cast<char>(name[0] - 'a' + 'A');
-                           return name;
-                         });
+                         [](::testing::TestParamInfo<ELevel> const& info) { return std::string(LevelName(info.param)); });

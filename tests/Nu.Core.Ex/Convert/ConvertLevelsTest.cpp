@@ -12,6 +12,7 @@
 #include <vector>
 
 using namespace Nu::Detail;
+using namespace NuTest;
 
 namespace {
 
@@ -70,25 +71,21 @@ std::vector<SPair> ShapePairs() {
 
 // count pixels through the driver, both runs `shift` elements past a line and sized for the
 // LumA rule, of random elements or of `values`.
-void CheckRun(ELevel level, SPair const& pair, std::size_t count, std::size_t shift,
-              std::vector<unsigned char> const* values = nullptr) {
-  SCOPED_TRACE(NuTest::PairName(pair.TrgPixel, pair.TrgData, pair.SrcPixel, pair.SrcData) + ", count " +
-               std::to_string(count) + ", shift " + std::to_string(shift));
-  bool const twice = pair.TrgPixel == LumA && pair.TrgData != pair.SrcData;
+void CheckRun(ELevel level, SPair const& pair, std::size_t count, std::size_t shift, std::vector<unsigned char> const* values = nullptr) {
+  SCOPED_TRACE(testing::Message() << PairName(pair.TrgPixel, pair.TrgData, pair.SrcPixel, pair.SrcData) << ", count " << count
+                                  << ", shift " << shift);
+  std::size_t const runs = pair.TrgPixel == LumA && pair.TrgData != pair.SrcData ? 2 : 1;
+  std::size_t const srcBytes = runs * count * NuRef::PixelBytes(pair.SrcPixel, pair.SrcData);
   std::size_t const srcElement = NuRef::FindDataType(pair.SrcData)->Bytes;
-  std::size_t const srcBytes = (twice ? 2 : 1) * count * NuRef::PixelBytes(pair.SrcPixel, pair.SrcData);
-  NuTest::SGuarded src(srcBytes, srcElement, 0xA5, shift);
+  SGuarded src(srcBytes, srcElement, 0xA5, shift);
+  SGuarded trg(runs * count * NuRef::PixelBytes(pair.TrgPixel, pair.TrgData), NuRef::FindDataType(pair.TrgData)->Bytes, 0x5C, shift);
+  SGuarded expected = trg;
   std::mt19937_64 random(count * 7919 + static_cast<std::size_t>(pair.TrgPixel + 3 * pair.TrgData + 5 * pair.SrcPixel + 7 * pair.SrcData));
-  if (values != nullptr)
-    std::memcpy(src.Run(), values->data(), std::min(values->size(), srcBytes));
-  else
-    NuTest::FillRandom(src.Run(), srcBytes / srcElement, pair.SrcData, random);
-  NuTest::SGuarded trg((twice ? 2 : 1) * count * NuRef::PixelBytes(pair.TrgPixel, pair.TrgData),
-                       NuRef::FindDataType(pair.TrgData)->Bytes, 0x5C, shift);
-  NuTest::SGuarded expected = trg;
+  if (values != nullptr) std::memcpy(src.Run(), values->data(), std::min(values->size(), srcBytes));
+  else FillRandom(src.Run(), srcBytes / srcElement, pair.SrcData, random);
   NuRef::ConvertRun(pair.TrgPixel, pair.TrgData, expected.Run(), pair.SrcPixel, pair.SrcData, src.Run(), static_cast<unsigned>(count));
   ConvertRunAt(level, static_cast<unsigned>(count), trg.Run(), src.Run(), pair.Kernels);
-  ASSERT_TRUE(NuTest::SameBytes(trg.Bytes, expected.Bytes));
+  ASSERT_TRUE(SameBytes(trg.Bytes, expected.Bytes));
 }
 
 class ConvertLevels : public ::testing::TestWithParam<ELevel> {
@@ -105,19 +102,19 @@ TEST_P(ConvertLevels, ValueKernelsMatchTheReference) {
   for (SValuePair const& pair : ValuePairs<char, unsigned char, short, unsigned short, int, unsigned int, float, double>()) {
     NuRef::SDataRow const &trg = *NuRef::FindDataType(pair.Trg), &src = *NuRef::FindDataType(pair.Src);
     SCOPED_TRACE(std::string(trg.Name) + " <- " + src.Name);
-    std::vector<unsigned char> const values = NuTest::SourceValues(src);
+    std::vector<unsigned char> const values = SourceValues(src);
     std::vector<std::pair<std::size_t, std::size_t>> runs = {{0, values.size() / src.Bytes}};
     for (std::size_t length : {0, 1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 129, 1031})
       for (std::size_t start : {0, 1, 3}) runs.emplace_back(start, length);
     for (auto const& [start, length] : runs) {
-      NuTest::SGuarded out(length * trg.Bytes, trg.Bytes, 0xEE), expected = out, in(length * src.Bytes, src.Bytes, 0);
+      SGuarded out(length * trg.Bytes, trg.Bytes, 0xEE), expected = out, in(length * src.Bytes, src.Bytes, 0);
       for (std::size_t i = 0; i < length; ++i) {  // the sample again from its start where the run is longer
         unsigned char const* value = &values[(start + i) % (values.size() / src.Bytes) * src.Bytes];
         NuRef::ConvertValue(trg.Id, expected.Run() + i * trg.Bytes, src.Id, value);
         std::memcpy(in.Run() + i * src.Bytes, value, src.Bytes);
       }
       pair.Run(GetParam(), length, out.Run(), in.Run());
-      ASSERT_TRUE(NuTest::SameBytes(out.Bytes, expected.Bytes)) << "run of " << length << " from " << start;
+      ASSERT_TRUE(SameBytes(out.Bytes, expected.Bytes)) << "run of " << length << " from " << start;
     }
   }
 }
@@ -141,7 +138,7 @@ TEST_P(ConvertLevels, MappedPairsGiveEveryValueAsMoved) {
                             PairOf<BGR, UShort, RGB, Short>(), PairOf<BGR, Int, RGB, UInt>(), PairOf<BGR, UInt, RGB, Int>(),
                             PairOf<BGR, Int, RGB, Float>(), PairOf<BGR, UInt, RGB, Float>(), PairOf<BGR, Float, RGB, Int>(),
                             PairOf<BGR, Float, RGB, UInt>()}) {
-    std::vector<unsigned char> const values = NuTest::SourceValues(*NuRef::FindDataType(pair.SrcData));
+    std::vector<unsigned char> const values = SourceValues(*NuRef::FindDataType(pair.SrcData));
     CheckRun(GetParam(), pair, values.size() / NuRef::PixelBytes(RGB, pair.SrcData) + 1, 1, &values);
   }
 }
@@ -159,8 +156,5 @@ TEST_P(ConvertLevels, RunsBeyondTheCachesStreamOrFetch) {
     CheckRun(GetParam(), pair, fetchFrom / NuRef::PixelBytes(pair.SrcPixel, pair.SrcData) + 77, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Levels, ConvertLevels, ::testing::ValuesIn(AllLevels), [](::testing::TestParamInfo<ELevel> const& info) {
-  std::string name = LevelName(info.param);
-  name[0] = static_cast<char>(name[0] - 'a' + 'A');
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(Levels, ConvertLevels, ::testing::ValuesIn(AllLevels),
+                         [](::testing::TestParamInfo<ELevel> const& info) { return std::string(LevelName(info.param)); });
