@@ -47,7 +47,7 @@ faults=(
   "normalize-seed@Nu.Core.Ex/NuImage.cpp@s/float max = -1e9f;/float max = -1e10f;/"
   "moniker-zero-size@Nu.Core.Ex/NuImageMoniker.cpp@s/if (width <= 0 || height <= 0) return false;/if (width < 0 || height < 0) return false;/"
   "wrap-drops-cause@Nu.Core/NuException.cpp@s/  Inner = CExceptionSafePointer(inner);/  (void)inner;/"
-  "chain-search@Nu.Core/NuException.cpp@s/return inner != nullptr \&\& inner->HasException(guid);/return false;/"
+  "chain-search@Nu.Core/NuException.cpp@s/inner->HasException(guid);/inner->GetGUID() == guid;/"
   "chain-text@Nu.Core/NuException.cpp@s/\"  inner: \"/\" inner: \"/"
   "guid-case@Nu.Core/Guid.cpp@s/\"0123456789ABCDEF\"/\"0123456789abcdef\"/"
   "string-append@Nu.Core/NuString.cpp@s/std::memcpy(fresh + Size, text, size);/std::memcpy(fresh + Size, text, size - 1);/"
