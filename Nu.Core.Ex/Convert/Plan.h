@@ -288,7 +288,9 @@ constexpr std::size_t BlockOf(EOrder order, std::size_t bufferPixelBytes) noexce
 // (sparing the reading of the target's lines). Otherwise sources from FetchFrom bytes on go in
 // steps of FetchPixels, each after a software request for the source FetchAhead bytes ahead, so
 // that the reads stay in flight while the kernels work (the hardware's own prefetching leaves
-// them idle there; for sources the caches hold, the steps cost more than they bring).
+// them idle there; for sources the caches hold, the steps cost more than they bring). Both
+// choices were timed against the same build without them, kind of pair by kind of pair, warm
+// and in fresh frames (bench/RESULTS.md, "Path choices"): they hold for every kind in both.
 struct SRunPlan {
   std::size_t StreamFrom = 0;  // 0: never
   std::size_t StreamPixels = 0;
