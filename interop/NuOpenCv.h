@@ -49,20 +49,9 @@ constexpr int DepthOf(EDataType::ID dataType) noexcept {
 /// The Mat channels of one pixel of a pixel type; 0 for Void and unknown ids. A Bayer pixel is
 /// one channel; YCbCr is two, which the library carries without reading them.
 constexpr int ChannelsOf(EPixelType::ID pixelType) noexcept {
-  switch (pixelType) {
-    case EPixelType::Lum:
-    case EPixelType::Bayer1:
-    case EPixelType::Bayer2:
-    case EPixelType::Bayer3:
-    case EPixelType::Bayer4: return 1;
-    case EPixelType::LumA:
-    case EPixelType::YCbCr: return 2;
-    case EPixelType::RGB:
-    case EPixelType::BGR: return 3;
-    case EPixelType::RGBA:
-    case EPixelType::BGRA: return 4;
-    default: return 0;
-  }
+  // The library's own count, which ships with this header; Void (0) and unknown ids (-1) give 0.
+  int const components = Detail::ComponentCountOf(pixelType);
+  return components > 0 ? components : 0;
 }
 
 /// The pixel type that OpenCV's own convention gives a channel count: Lum, LumA, BGR, BGRA;
