@@ -452,22 +452,31 @@ NU_LANES_ void ConvertSingleLanes(TE* trg, float const* src, __mmask16 mask) noe
   StoreNarrowed<TE, Tail>(trg, _mm512_cvttps_epi32(t), mask);
 }
 
-// ---- Float and Double from Int: the Mersenne form in one fused operation -------------------
-// x 2^-31 + (2x + s) 2^-63 is x (2^-31 + 2^-62) + s 2^-63: the product of x (31 bits) and the
-// constant (two bits) is exact inside a fused multiply-add, which rounds the sum once, as the
-// form's addition does. Zero and below take the scale 2^-31 and nothing added: the rule's exact
-// product.
-template <class TE, bool Tail>
-NU_LANES_ void ConvertMersenneLanes(TE* trg, int const* src, __mmask16 mask) noexcept {
+// ---- Float and Double from Int and UInt: the Mersenne form in one fused operation -----------
+// x 2^-k + (2x + s) 2^-(2k + 1) is x (2^-k + 2^-2k) + s 2^-(2k + 1): the product of x (k bits)
+// and the constant (two bits) is exact inside a fused multiply-add, which rounds the sum once,
+// as the form's addition does. Int's zero and below take the scale 2^-31 and nothing added: the
+// rule's exact product.
+template <class TE, class SE, bool Tail>
+NU_LANES_ void ConvertMersenneLanes(TE* trg, SE const* src, __mmask16 mask) noexcept {
+  constexpr bool isSigned = std::is_signed_v<SE>;
+  constexpr double unit = isSigned ? 0x1p-31 : 0x1p-32, twice = isSigned ? 0x1p-62 : 0x1p-64;
+  constexpr double stickyUnit = isSigned ? 0x1p-63 : 0x1p-65;
   __m512i const x = Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src);
-  __mmask16 const positive = _mm512_cmpgt_epi32_mask(x, _mm512_setzero_si512());
-  __mmask16 const unit = _mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(1 << 22));
+  __mmask16 positive = 0xFFFF, sticky;
+  if constexpr (isSigned) {
+    positive = _mm512_cmpgt_epi32_mask(x, _mm512_setzero_si512());
+    sticky = _mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(1 << 22));
+  } else {
+    sticky = _mm512_cmpge_epu32_mask(x, _mm512_set1_epi32(1 << 21));
+  }
   __m512d v[2];
   for (int half = 0; half < 2; ++half) {
-    __m512d const d = _mm512_cvtepi32_pd(half == 0 ? _mm512_castsi512_si256(x) : _mm512_extracti64x4_epi64(x, 1));
-    __m512d const scale = _mm512_mask_blend_pd(static_cast<__mmask8>(positive >> (8 * half)), _mm512_set1_pd(0x1p-31),
-                                               _mm512_set1_pd(0x1p-31 + 0x1p-62));
-    __m512d const added = _mm512_maskz_mov_pd(static_cast<__mmask8>(unit >> (8 * half)), _mm512_set1_pd(0x1p-63));
+    __m256i const h = half == 0 ? _mm512_castsi512_si256(x) : _mm512_extracti64x4_epi64(x, 1);
+    __m512d const d = isSigned ? _mm512_cvtepi32_pd(h) : _mm512_cvtepu32_pd(h);
+    __m512d const scale = _mm512_mask_blend_pd(static_cast<__mmask8>(positive >> (8 * half)), _mm512_set1_pd(unit),
+                                               _mm512_set1_pd(unit + twice));
+    __m512d const added = _mm512_maskz_mov_pd(static_cast<__mmask8>(sticky >> (8 * half)), _mm512_set1_pd(stickyUnit));
     v[half] = _mm512_fmadd_pd(d, scale, added);
   }
   if constexpr (std::is_same_v<TE, float>) {
@@ -552,8 +561,8 @@ NU_TARGET_Avx512 NU_NOCLONE void ConvertLanes(std::size_t n, TE* trg, SE const* 
     for (; i + 32 <= n; i += 32) ConvertWidenLanes<TE, SE, false>(trg + i, src + i, ~__mmask32{0});
     if (i < n) ConvertWidenLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask32>((std::uint64_t{1} << (n - i)) - 1));
   } else if constexpr (K == EValueKernel::Mersenne) {
-    for (; i + 16 <= n; i += 16) ConvertMersenneLanes<TE, false>(trg + i, src + i, 0xFFFF);
-    if (i < n) ConvertMersenneLanes<TE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
+    for (; i + 16 <= n; i += 16) ConvertMersenneLanes<TE, SE, false>(trg + i, src + i, 0xFFFF);
+    if (i < n) ConvertMersenneLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
   } else if constexpr (K == EValueKernel::Narrow) {
     for (; i + 16 <= n; i += 16) ConvertNarrowLanes<TE, SE, false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertNarrowLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));

@@ -95,7 +95,7 @@ enum class EValueKernel : std::uint8_t {
   Narrow,      // the Scaled form narrowing: (y + (y >> k) + 1) >> k in 64-bit lanes
   Small,       // the Small form in 16-bit lanes
   Single,      // Float into 8/16-bit integers in single-precision lanes
-  Mersenne,    // the Mersenne form (Float and Double from Int), one fused multiply-add per lane
+  Mersenne,    // the Mersenne form (Float and Double from Int, UInt), one fused multiply-add a lane
   Repeat,      // Double from the byte types by their repeated bits
   ByteTable,   // between the byte types: a 256-byte table of the rule's results
   WidenBytes,  // Widen from the byte types, the second term from a 256-byte table

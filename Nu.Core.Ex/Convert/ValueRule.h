@@ -172,7 +172,7 @@ enum class EValueForm : std::uint8_t {
   Small,     // two 8/16-bit integer types
   Scaled,    // a 32-bit integer type with an 8/16-bit one
   Single,    // Float from an 8/16-bit integer type
-  Mersenne,  // Float or Double from Int: its largest value is 2^31 - 1
+  Mersenne,  // Float or Double from Int or UInt: the largest value is 2^31 - 1 or 2^32 - 1
   Rule,      // the two steps as written
 };
 
@@ -197,7 +197,7 @@ constexpr EValueForm ValueFormOf(SDataInfo trg, SDataInfo src) noexcept {
     return EValueForm::Scaled;
   }
   if (trg.Id == EDataType::Float && src.IsInteger && src.Bytes <= 2) return EValueForm::Single;
-  if (!trg.IsInteger && src.Id == EDataType::Int) return EValueForm::Mersenne;
+  if (!trg.IsInteger && src.IsInteger && src.Bytes == 4) return EValueForm::Mersenne;
   return EValueForm::Rule;
 }
 template <class TTrg, class TSrc>
@@ -316,15 +316,19 @@ constexpr TTrg ConvertChannelValue(TSrc x) noexcept {
     else
       return f / static_cast<float>(Src::Largest);
   } else if constexpr (form == EValueForm::Mersenne) {
-    // For 0 < x < 2^31, x / (2^31 - 1) = x 2^-31 (1 + 2^-31 + 2^-62 + ...) exceeds N 2^-62,
-    // N = x (2^31 + 1), by less than 2^-62. Where N > 2^53 (x >= 2^22) the doubles near it lie
-    // whole units of 2^-62 apart, and so do the midpoints between them: the quotient rounds as
-    // (N + 1/2) 2^-62 does, and the unit s adds that half in units of 2^-63 (without it a
-    // midpoint at N would round to even). Where N < 2^53, N 2^-62 is a double and the quotient
-    // lies well within half its last unit above it: s = 0. 2N + s = x 2^32 + (2x + s) is a sum
-    // of two exact doubles, rounded once by the addition. Zero and below: the exact power of two.
+    // For 0 < x <= L = 2^k - 1 (k = 31 for Int, 32 for UInt), x / L = x 2^-k (1 + 2^-k + 2^-2k
+    // + ...) exceeds N 2^-2k, N = x (2^k + 1), by less than 2^-2k. Where N > 2^53 (x >=
+    // 2^(53 - k)) the doubles near it lie whole units of 2^-2k apart, and so do the midpoints
+    // between them: the quotient rounds as (N + 1/2) 2^-2k does, and the unit s adds that half in
+    // units of 2^-(2k + 1) (without it a midpoint at N would round to even). Where N < 2^53,
+    // N 2^-2k is a double and the quotient lies well within half its last unit above it: s = 0.
+    // 2N + s = x 2^(k + 1) + (2x + s) is a sum of two exact doubles, rounded once by the
+    // addition. Zero and below: the exact power of two, as the rule has it.
+    constexpr double unit = Src::IsSigned ? 0x1p-31 : 0x1p-32, half = Src::IsSigned ? 0x1p-63 : 0x1p-65;
+    constexpr TSrc sticky = Src::IsSigned ? TSrc{1} << 22 : TSrc{1} << 21;
     double const d = static_cast<double>(x);
-    double const v = x < 1 ? d * Src::NegativeScale : d * 0x1p-31 + (2.0 * d + (x >= (1 << 22) ? 1.0 : 0.0)) * 0x1p-63;
+    double v = d * unit + (2.0 * d + (x >= sticky ? 1.0 : 0.0)) * half;
+    if constexpr (Src::IsSigned) v = x < 1 ? d * Src::NegativeScale : v;
     return static_cast<TTrg>(v);
   } else {
     return TargetStep<TTrg>(SourceStep<TSrc>(x));
