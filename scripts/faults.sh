@@ -27,8 +27,8 @@ faults=(
   "halve-form@Nu.Core.Ex/Convert/ValueRule.h@s/return static_cast<int>((u - (u != 0 ? 1u : 0u)) >> 1);/return static_cast<int>(u >> 1);/"
   "clamp-dropped@Nu.Core.Ex/Convert/ValueRule.h@s/double c = w > Traits::Largest ? Traits::Largest : w;/double c = w;/"
   "nan-int@Nu.Core.Ex/Convert/ValueRule.h@s/NaNResult = -2147483647 - 1;/NaNResult = 0;/"
-  "mersenne-unit@Nu.Core.Ex/Convert/ValueRule.h@s/(x >= sticky ? 1.0 : 0.0)/0.0/"
-  "mersenne-lanes@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_set1_pd(unit + twice)/_mm512_set1_pd(unit)/"
+  "mersenne-unit@Nu.Core.Ex/Convert/ValueRule.h@s/(x >= sticky ? 1.0 : 0.0)/(x >= sticky ? 0.0 : 0.0)/"
+  "mersenne-lanes@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_set1_pd(unit + twice)/_mm512_set1_pd(unit + 0 * twice)/"
   "permute-register@Nu.Core.Ex/Convert/Moves.h@s/Span > Lanes ? 2 : 1/Span > 2 * Lanes ? 2 : 1/"
   # Around the engine.
   "array-bound@Nu.Core.Ex/NuArrayBase.h@s/if (index >= Length()) NU_RAISE/if (index > Length()) NU_RAISE/"
