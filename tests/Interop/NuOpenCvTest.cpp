@@ -62,7 +62,9 @@ void ExpectSameMemory(cv::Mat const& mat, EPixelType::ID pixelType, EDataType::I
 TEST(NuOpenCv, WrapsEveryMappedTypeWithoutCopying) {
   EPixelType::ID const conventional[] = {EPixelType::Lum, EPixelType::LumA, EPixelType::BGR, EPixelType::BGRA};
   for (auto [depth, dataType] : Depths) {
-    for (auto [pixelType, channels] : Pixels) {
+    for (auto const& pixel : Pixels) {
+      EPixelType::ID const pixelType = pixel.first;  // not a structured binding: clang 14 cannot capture one
+      int const channels = pixel.second;
       SCOPED_TRACE(std::to_string(pixelType) + " over depth " + std::to_string(depth));
       ExpectSameMemory(cv::Mat(3, 5, CV_MAKETYPE(depth, channels)), pixelType, dataType,
                        [&](auto& moniker, auto const& mat) { return OpenCv::WrapMat(moniker, mat, pixelType); });
