@@ -28,8 +28,9 @@ std::vector<unsigned char> Elements(int type, std::vector<double> const& values)
   unsigned const size = NuRef::FindDataType(type)->Bytes;
   std::vector<unsigned char> bytes(values.size() * size, 0x55);
   for (std::size_t i = 0; i < values.size(); ++i) {
+    if (values[i] == Keep) continue;
     std::uint64_t const bits = Raw(type, values[i]);
-    if (values[i] != Keep) std::memcpy(&bytes[i * size], &bits, size);
+    std::memcpy(&bytes[i * size], &bits, size);
   }
   return bytes;
 }
