@@ -122,7 +122,7 @@ constexpr EValueKernel LanesOf(SDataInfo trg, SDataInfo src) noexcept {
     case EValueForm::Halve: return src.Bytes <= 2 ? EValueKernel::Halve : EValueKernel::Loop;
     case EValueForm::Scaled: return trg.Bytes == 4 ? EValueKernel::Widen : EValueKernel::Narrow;
     case EValueForm::Small: return EValueKernel::Small;
-    case EValueForm::Mersenne: return EValueKernel::Mersenne;
+    case EValueForm::Mersenne: return src.Bytes == 4 ? EValueKernel::Mersenne : EValueKernel::Loop;
     case EValueForm::Rule:
       if (trg.Id == EDataType::Double && src.IsInteger && src.Bytes == 1) return EValueKernel::Repeat;
       if (src.Id == EDataType::Float && trg.IsInteger && trg.Bytes <= 2) return EValueKernel::Single;

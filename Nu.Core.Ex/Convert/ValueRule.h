@@ -161,6 +161,14 @@ inline TTrg PlainRule(TSrc x) noexcept {
     return TargetStep<TTrg>(SourceStep<TSrc>(x));
 }
 
+// 2^e as a double, in constant expressions.
+constexpr double Pow2(int e) noexcept {
+  double p = 1.0;
+  for (; e > 0; --e) p *= 2.0;
+  for (; e < 0; ++e) p *= 0.5;
+  return p;
+}
+
 // ---- the forms -------------------------------------------------------------------------------
 // How a pair computes the rule. Each form other than Copy and Rule is an exact replacement of
 // the two steps, derived from one property of the pair; the proof stands at its code below.
@@ -172,7 +180,7 @@ enum class EValueForm : std::uint8_t {
   Small,     // two 8/16-bit integer types
   Scaled,    // a 32-bit integer type with an 8/16-bit one
   Single,    // Float from an 8/16-bit integer type
-  Mersenne,  // Float or Double from Int or UInt: the largest value is 2^31 - 1 or 2^32 - 1
+  Mersenne,  // Float or Double from a 32-bit integer, Double from UShort: L = 2^k - 1
   Rule,      // the two steps as written
 };
 
@@ -197,7 +205,10 @@ constexpr EValueForm ValueFormOf(SDataInfo trg, SDataInfo src) noexcept {
     return EValueForm::Scaled;
   }
   if (trg.Id == EDataType::Float && src.IsInteger && src.Bytes <= 2) return EValueForm::Single;
-  if (!trg.IsInteger && src.IsInteger && src.Bytes == 4) return EValueForm::Mersenne;
+  // Double from Short keeps the rule: the compiler vectorises its division, not the form's two
+  // branches in 16-bit lanes.
+  if (!trg.IsInteger && src.IsInteger && (src.Bytes == 4 || (src.Id == EDataType::UShort && trg.Bytes == 8)))
+    return EValueForm::Mersenne;
   return EValueForm::Rule;
 }
 template <class TTrg, class TSrc>
@@ -316,18 +327,23 @@ constexpr TTrg ConvertChannelValue(TSrc x) noexcept {
     else
       return f / static_cast<float>(Src::Largest);
   } else if constexpr (form == EValueForm::Mersenne) {
-    // For 0 < x <= L = 2^k - 1 (k = 31 for Int, 32 for UInt), x / L = x 2^-k (1 + 2^-k + 2^-2k
-    // + ...) exceeds N 2^-2k, N = x (2^k + 1), by less than 2^-2k. Where N > 2^53 (x >=
-    // 2^(53 - k)) the doubles near it lie whole units of 2^-2k apart, and so do the midpoints
-    // between them: the quotient rounds as (N + 1/2) 2^-2k does, and the unit s adds that half in
-    // units of 2^-(2k + 1) (without it a midpoint at N would round to even). Where N < 2^53,
-    // N 2^-2k is a double and the quotient lies well within half its last unit above it: s = 0.
-    // 2N + s = x 2^(k + 1) + (2x + s) is a sum of two exact doubles, rounded once by the
-    // addition. Zero and below: the exact power of two, as the rule has it.
-    constexpr double unit = Src::IsSigned ? 0x1p-31 : 0x1p-32, half = Src::IsSigned ? 0x1p-63 : 0x1p-65;
-    constexpr TSrc sticky = Src::IsSigned ? TSrc{1} << 22 : TSrc{1} << 21;
+    // L = 2^k - 1 divides 2^m - 1 for m = 2k (32-bit sources) and m = 4k (16-bit ones), so for
+    // 0 < x <= L, x / L = N / (2^m - 1) with the integer N = x (2^m - 1) / L, below 2^m:
+    // N 2^-m (1 + 2^-m + ...), which exceeds N 2^-m by less than 2^-m. Where N > 2^53 (x >=
+    // 2^(53 - m + k)) the doubles near it lie whole units of 2^-m apart, and so do the midpoints
+    // between them: the quotient rounds as (N + 1/2) 2^-m does, and the unit s adds that half in
+    // units of 2^-(m + 1) (without it a midpoint at N would round to even). Where N < 2^53,
+    // N 2^-m is a double and the quotient lies well within half its last unit above it: s = 0.
+    // 2N + s is a sum of two exact doubles, rounded once by the addition: x 2^(k + 1) + (2x + s)
+    // for m = 2k, x (2^(3k + 1) + 2^(2k + 1)) + (x (2^(k + 1) + 2) + s) for m = 4k. Zero and
+    // below: the exact power of two, as the rule has it.
+    constexpr bool wide = sizeof(TSrc) == 4;
+    constexpr int k = (wide ? 32 : 16) - (Src::IsSigned ? 1 : 0), m = wide ? 2 * k : 4 * k;
+    constexpr double high = wide ? Pow2(k + 1) : Pow2(3 * k + 1) + Pow2(2 * k + 1);
+    constexpr double low = wide ? 2.0 : Pow2(k + 1) + 2.0;
+    constexpr TSrc sticky = static_cast<TSrc>(std::uint32_t{1} << (53 - m + k));
     double const d = static_cast<double>(x);
-    double v = d * unit + (2.0 * d + (x >= sticky ? 1.0 : 0.0)) * half;
+    double v = (d * high + (d * low + (x >= sticky ? 1.0 : 0.0))) * Pow2(-(m + 1));
     if constexpr (Src::IsSigned) v = x < 1 ? d * Src::NegativeScale : v;
     return static_cast<TTrg>(v);
   } else {
