@@ -19,6 +19,11 @@ NU_TARGET_Avx512 void StreamCopy(char* trg, unsigned char const* src, std::size_
   std::memcpy(trg + i, src + i, bytes - i);
 }
 
+// Asks for the source lines from `requested` up to `end` bytes, a line at a time.
+void RequestSource(char const* source, std::size_t& requested, std::size_t end) noexcept {
+  for (; requested < end; requested += 64) _mm_prefetch(source + requested, _MM_HINT_T0);
+}
+
 // Runs that do not overlap, of at least FusedFrom pixels, in the order of the plan.
 void ConvertApart(ELevel level, std::size_t count, void* trg, void const* src, SPairRun const& pair,
                   SRunKey const& key) noexcept {
@@ -33,25 +38,28 @@ void ConvertApart(ELevel level, std::size_t count, void* trg, void const* src, S
   std::size_t first = 0;  // pixels before the first target line (64: no pixel starts one)
   auto const offset = static_cast<std::size_t>(reinterpret_cast<std::uintptr_t>(trg) & 63);
   while (large && first < 64 && (offset + first * pixelBytes) % 64 != 0) ++first;
+  auto const* source = static_cast<char const*>(src);
+  std::size_t const srcBytes = count * key.SrcPixelBytes;
+  std::size_t requested = 0;  // source bytes asked for
   if (large && first < 64) {
-    // Blocks of whole lines go through a buffer and on to memory past the caches.
+    // Blocks of whole lines go through a buffer and on to memory past the caches, each after the
+    // requests for its source where the plan asks for them.
     pair.Produce(level, 0, first, trg, src);
     alignas(64) unsigned char out[StreamBlock * MaxPixelBytes];
     std::size_t const block = plan.StreamPixels;
+    bool const fetch = plan.FetchWhileStreaming && srcBytes >= plan.FetchFrom;
     for (std::size_t p = first; p < count; p += block) {
       std::size_t const n = count - p < block ? count - p : block;
+      if (fetch) RequestSource(source, requested, std::min(srcBytes, (p + n) * key.SrcPixelBytes + plan.FetchAhead));
       pair.Produce(level, p, n, out, src);
       StreamCopy(static_cast<char*>(trg) + p * pixelBytes, out, n * pixelBytes);
     }
     _mm_sfence();
-  } else if (std::size_t const srcBytes = count * key.SrcPixelBytes; plan.FetchFrom != 0 && srcBytes >= plan.FetchFrom) {
+  } else if (plan.FetchFrom != 0 && srcBytes >= plan.FetchFrom) {
     // Short steps, each after a request for the source lines a few steps ahead.
-    auto const* source = static_cast<char const*>(src);
-    std::size_t fetched = 0;
     for (std::size_t p = 0; p < count; p += plan.FetchPixels) {
       std::size_t const n = count - p < plan.FetchPixels ? count - p : plan.FetchPixels;
-      std::size_t const ahead = std::min(srcBytes, (p + n) * key.SrcPixelBytes + plan.FetchAhead);
-      for (; fetched < ahead; fetched += 64) _mm_prefetch(source + fetched, _MM_HINT_T0);
+      RequestSource(source, requested, std::min(srcBytes, (p + n) * key.SrcPixelBytes + plan.FetchAhead));
       pair.Produce(level, p, n, static_cast<char*>(trg) + p * pixelBytes, src);
     }
     if (order == EOrder::LumAShift) pair.AlphaPass(level, count, trg, src);

@@ -288,15 +288,19 @@ constexpr std::size_t BlockOf(EOrder order, std::size_t bufferPixelBytes) noexce
 // (sparing the reading of the target's lines). Otherwise sources from FetchFrom bytes on go in
 // steps of FetchPixels, each after a software request for the source FetchAhead bytes ahead, so
 // that the reads stay in flight while the kernels work (the hardware's own prefetching leaves
-// them idle there; for sources the caches hold, the steps cost more than they bring). Both
-// choices were timed against the same build without them, kind of pair by kind of pair, warm
-// and in fresh frames (bench/RESULTS.md, "Path choices"): they hold for every kind in both.
+// them idle there; for sources the caches hold, the steps cost more than they bring). Where the
+// moves do the work (Moves, MovesFirst), the kernels are quick enough to wait on the source even
+// while the target streams, so their streaming blocks are preceded by the same requests; value
+// kernels, busy long enough to hide the reads, only lose time to them. Each choice was timed
+// against the same build without it, kind of pair by kind of pair, warm and in fresh frames
+// (bench/RESULTS.md, "Path choices"), and holds for its kinds in both.
 struct SRunPlan {
   std::size_t StreamFrom = 0;  // 0: never
   std::size_t StreamPixels = 0;
   std::size_t FetchFrom = 0;  // 0: never
   std::size_t FetchPixels = 0;
   std::size_t FetchAhead = 0;
+  bool FetchWhileStreaming = false;
 };
 inline constexpr std::size_t StreamBlock = 512;  // whole 64-byte lines of any pixel size
 
@@ -318,6 +322,7 @@ constexpr SRunPlan RunPlanOf(EOrder order, std::size_t trgPixelBytes, std::size_
   plan.FetchFrom = std::size_t{8} << 20;
   plan.FetchPixels = Multiple64(1024 / srcPixelBytes);
   plan.FetchAhead = 4096;
+  plan.FetchWhileStreaming = plan.StreamFrom != 0 && (order == EOrder::Moves || order == EOrder::MovesFirst);
   return plan;
 }
 

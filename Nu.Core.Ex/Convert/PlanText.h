@@ -38,7 +38,8 @@ inline std::string PlanLine(int trgPixel, int trgData, int srcPixel, int srcData
   std::string const fetch = plan.Run.FetchFrom == 0 ? std::string("no")
                                                     : ">=" + Bytes(plan.Run.FetchFrom) + " by " +
                                                           std::to_string(plan.Run.FetchPixels) + " ahead " +
-                                                          Bytes(plan.Run.FetchAhead);
+                                                          Bytes(plan.Run.FetchAhead) +
+                                                          (plan.Run.FetchWhileStreaming ? ", streaming too" : "");
   char line[256];
   std::snprintf(line, sizeof line, "%-25s %-11s %-13s values %-21s moves %-23s block %-5zu stream %-16s fetch %s",
                 (FormatName(trgPixel, trgData) + " <- " + FormatName(srcPixel, srcData)).c_str(), LevelName(level),

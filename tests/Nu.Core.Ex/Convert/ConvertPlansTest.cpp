@@ -20,8 +20,9 @@ std::vector<std::string> PlanLines() {
   std::vector<std::string> lines = {
       "# The plan of every pair at every level (Nu.Core.Ex/Convert/Plan.h): order, value kernel and",
       "# move kernel with the level their code is compiled for, pixels per step through the L1",
-      "# buffer, and from what size the target streams and the source is fetched ahead. Bayer",
-      "# formats plan as Lum. Runs under " + std::to_string(FusedFrom) + " pixels, and runs that overlap, take the forward passes.",
+      "# buffer, and from what size the target streams and the source is fetched ahead (in the",
+      "# streaming blocks as well where it says so). Bayer formats plan as Lum. Runs under " + std::to_string(FusedFrom) + " pixels,",
+      "# and runs that overlap, take the forward passes.",
       "# Written by tests/Nu.Core.Ex/Convert/ConvertPlansTest.cpp; do not edit by hand."};
   for (SFormatIds const& trg : AllFormats)
     for (SFormatIds const& src : AllFormats)
