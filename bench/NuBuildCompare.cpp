@@ -3,7 +3,7 @@
 // minute. Each build's libNu.Core.Ex is loaded with its own symbols first (RTLD_DEEPBIND), so
 // that its ConvertMemory runs its own engine; both share one Nu.Core.
 //
-//   NuBuildCompare BASE.so NEW.so [--fresh] [--size 640|4k] [--rounds N] [--match TEXT] [--every K]
+//   NuBuildCompare BASE.so NEW.so [--fresh] [--size 640|4k] [--rounds N] [--match REGEX] [--every K]
 //                  [--list]
 //
 // Per pair: one warm-up call of each, then rounds of the two, in turn first and second; the
@@ -23,6 +23,7 @@
 #include <cstdio>
 #include <cstring>
 #include <random>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -68,7 +69,7 @@ double Median(std::vector<double> v) {
 
 int main(int argc, char** argv) {
   if (argc < 3) {
-    std::fprintf(stderr, "usage: NuBuildCompare BASE.so NEW.so [--fresh] [--size 640|4k] [--rounds N] [--match TEXT] "
+    std::fprintf(stderr, "usage: NuBuildCompare BASE.so NEW.so [--fresh] [--size 640|4k] [--rounds N] [--match REGEX] "
                  "[--every K] [--list]\n");
     return 2;
   }
@@ -86,6 +87,7 @@ int main(int argc, char** argv) {
     if (a == "--every" && i + 1 < argc) every = std::max(1, std::atoi(argv[++i]));
   }
   int index = 0;
+  std::regex const pattern(match);
   std::vector<unsigned char> evict(fresh ? std::size_t{128} << 20 : 0, 3);
   for (auto [width, height] : {std::pair{640, 480}, std::pair{3840, 2160}}) {
     if ((size == "640" && width != 640) || (size == "4k" && width == 640)) continue;
@@ -98,7 +100,7 @@ int main(int argc, char** argv) {
       std::vector<SFormat const*> targets;
       for (SFormat const& t : AllFormats)
         if (!(IsBayer(t.Pixel) && t.Pixel != s.Pixel) &&
-            (std::string(t.Name) + " <- " + s.Name).find(match) != std::string::npos && index++ % every == 0)
+            std::regex_search(std::string(t.Name) + " <- " + s.Name, pattern) && index++ % every == 0)
           targets.push_back(&t);
       if (targets.empty()) continue;
       CNuImageFormat const srcFormat(width, height, s.Pixel, s.Data);

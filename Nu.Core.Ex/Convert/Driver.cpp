@@ -33,7 +33,8 @@ void ConvertApart(ELevel level, std::size_t count, void* trg, void const* src, S
     std::memcpy(trg, src, count * pixelBytes);
     return;
   }
-  SRunPlan const plan = RunPlanOf(order, key.TrgPixelBytes, key.SrcPixelBytes, level);
+  SRunPlan const plan =
+      RunPlanOf(order, key.LoopOnly[static_cast<std::size_t>(level)], key.TrgPixelBytes, key.SrcPixelBytes, level);
   bool const large = plan.StreamFrom != 0 && count * pixelBytes >= plan.StreamFrom;
   std::size_t first = 0;  // pixels before the first target line (64: no pixel starts one)
   auto const offset = static_cast<std::size_t>(reinterpret_cast<std::uintptr_t>(trg) & 63);

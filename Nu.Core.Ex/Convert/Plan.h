@@ -265,6 +265,16 @@ constexpr EOrder OrderOf(SPairKey key, ELevel level) noexcept {
   return EOrder::ValuesFirst;
 }
 
+// The compiler's loop over the values is all that runs (order Values with the Loop kernel), and
+// it halves the element: Float from Double, UByte from UShort. (UShort from UInt, the other such
+// loop, gained in three and four channels and lost in one: it keeps the plain run.)
+constexpr bool LoopOnly(SPairKey key, ELevel level) noexcept {
+  bool const halves = (key.TrgData == EDataType::Float && key.SrcData == EDataType::Double) ||
+                      (key.TrgData == EDataType::UByte && key.SrcData == EDataType::UShort);
+  return halves && OrderOf(key, level) == EOrder::Values &&
+         ValueKernelOf(DataInfo(key.TrgData), DataInfo(key.SrcData), level).Kind == EValueKernel::Loop;
+}
+
 // ---- the run ------------------------------------------------------------------------------------
 // Runs shorter than this take the plain forward passes (same result): the fused path's buffer
 // and level cost more than a few pixels.
@@ -310,10 +320,13 @@ constexpr std::size_t Multiple64(std::size_t pixels) noexcept {
 }
 
 // The moves alone stream wide pixels best in short bursts of about 1 KiB. The LumA rule writes
-// each target line twice and keeps its lines in the caches.
-constexpr SRunPlan RunPlanOf(EOrder order, std::size_t trgPixelBytes, std::size_t srcPixelBytes, ELevel level) noexcept {
+// each target line twice and keeps its lines in the caches. The compiler's loop alone halving
+// the element (LoopOnly) keeps pace with memory with plain stores and the hardware's own
+// prefetching; at AVX-512 the buffer and the requests only slow it there.
+constexpr SRunPlan RunPlanOf(EOrder order, bool loopOnly, std::size_t trgPixelBytes, std::size_t srcPixelBytes,
+                             ELevel level) noexcept {
   SRunPlan plan;
-  if (order == EOrder::Copy) return plan;
+  if (order == EOrder::Copy || (loopOnly && level >= ELevel::Avx512)) return plan;
   if (level >= ELevel::Avx512 && order != EOrder::LumAShift) {
     plan.StreamFrom = std::size_t{16} << 20;
     std::size_t const burst = Multiple64(1024 / trgPixelBytes);
@@ -362,33 +375,39 @@ constexpr SPlan PlanOf(SPairKey key, ELevel level) noexcept {
       break;
   }
   plan.Block = BlockOf(order, order == EOrder::MovesFirst ? 0 : static_cast<std::size_t>(shape.SrcStride) * trg.Bytes);
-  plan.Run = RunPlanOf(order, static_cast<std::size_t>(shape.TrgStride) * trg.Bytes,
+  plan.Run = RunPlanOf(order, LoopOnly(key, level), static_cast<std::size_t>(shape.TrgStride) * trg.Bytes,
                        static_cast<std::size_t>(shape.SrcStride) * src.Bytes, level);
   return plan;
 }
 
 // ---- what the shared driver is told of a pair --------------------------------------------------
-// Its pixel sizes, whether its source run is read twice (the LumA rule with a source alpha) and
-// its order at each level, packed in one word so that a pair's entry passes it in a register.
+// Its pixel sizes, whether its source run is read twice (the LumA rule with a source alpha), and
+// its order at each level and whether the loop alone runs there, packed in one word so that a
+// pair's entry passes it in a register.
 struct SRunKey {
   std::size_t TrgPixelBytes, SrcPixelBytes;
   bool SourceTwice;
   EOrder Order[LevelCount];
+  bool LoopOnly[LevelCount];
 };
 // Within 31 bits, so that the word is an immediate operand.
 constexpr std::uint64_t PackRunKey(SPairKey key) noexcept {
   SDataInfo const trg = DataInfo(key.TrgData), src = DataInfo(key.SrcData);
-  static_assert(MaxPixelBytes < 64 && OrderCount <= 8);
+  static_assert(MaxPixelBytes < 64 && OrderCount <= 8 && 13 + 4 * LevelCount <= 31);
   std::uint64_t word = static_cast<std::uint64_t>(key.Shape.TrgStride) * trg.Bytes |
                        static_cast<std::uint64_t>(key.Shape.SrcStride) * src.Bytes << 6 |
                        std::uint64_t{key.LumAShift && key.Shape.SrcAlpha >= 0} << 12;
   for (std::size_t l = 0; l < LevelCount; ++l)
-    word |= static_cast<std::uint64_t>(OrderOf(key, AllLevels[l])) << (13 + 3 * l);
+    word |= static_cast<std::uint64_t>(OrderOf(key, AllLevels[l])) << (13 + 3 * l) |
+            std::uint64_t{LoopOnly(key, AllLevels[l])} << (13 + 3 * LevelCount + l);
   return word;
 }
 constexpr SRunKey UnpackRunKey(std::uint64_t word) noexcept {
-  SRunKey key{word & 63, (word >> 6) & 63, ((word >> 12) & 1) != 0, {}};
-  for (std::size_t l = 0; l < LevelCount; ++l) key.Order[l] = static_cast<EOrder>((word >> (13 + 3 * l)) & 7);
+  SRunKey key{word & 63, (word >> 6) & 63, ((word >> 12) & 1) != 0, {}, {}};
+  for (std::size_t l = 0; l < LevelCount; ++l) {
+    key.Order[l] = static_cast<EOrder>((word >> (13 + 3 * l)) & 7);
+    key.LoopOnly[l] = ((word >> (13 + 3 * LevelCount + l)) & 1) != 0;
+  }
   return key;
 }
 

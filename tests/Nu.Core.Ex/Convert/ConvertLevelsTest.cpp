@@ -146,8 +146,8 @@ TEST_P(ConvertLevels, MappedPairsGiveEveryValueAsMoved) {
 // Targets above the streaming size of each order, with a part block at the end and the first
 // line three pixels into the run; sources above the size from which they are fetched ahead.
 TEST_P(ConvertLevels, RunsBeyondTheCachesStreamOrFetch) {
-  std::size_t const streamFrom = RunPlanOf(EOrder::Moves, 1, 1, ELevel::Avx512).StreamFrom;
-  std::size_t const fetchFrom = RunPlanOf(EOrder::Moves, 1, 1, ELevel::Baseline).FetchFrom;
+  std::size_t const streamFrom = RunPlanOf(EOrder::Moves, false, 1, 1, ELevel::Avx512).StreamFrom;
+  std::size_t const fetchFrom = RunPlanOf(EOrder::Moves, false, 1, 1, ELevel::Baseline).FetchFrom;
   for (SPair const& pair : {PairOf<Lum, UShort, Lum, UByte>(), PairOf<RGBA, UByte, RGB, UByte>(),
                             PairOf<BGR, Float, RGBA, Short>(), PairOf<RGBA, Float, LumA, Short>()})
     CheckRun(GetParam(), pair, streamFrom / NuRef::PixelBytes(pair.TrgPixel, pair.TrgData) + StreamBlock + 7,
