@@ -489,6 +489,63 @@ NU_LANES_ void ConvertMersenneLanes(TE* trg, SE const* src, __mmask16 mask) noex
   }
 }
 
+// ---- Float from Int, Int and UInt from Float, in sixteen single lanes ----------------------
+// Float from Int. For x > 0 the rule rounds x / (2^31 - 1) = y (1 + 2^-31 + 2^-62 + ...), with
+// y = x 2^-31, to double and then to single. In units of 2^-31 the quotient is x + d with
+// d = x / (2^31 - 1), 0 < d < 1; the double's half unit there is at most 2^-23, so the double
+// is x + d rounded, above x (d is far above the half unit), and below x + 1 unless 1 - d < 2^-23,
+// that is x > 2^31 - 257. The single-precision values and their midpoints are integers in these
+// units, so the double rounds to single as x does with its ties rounded up; where it is x + 1
+// itself and that is a midpoint (x = 2^31 - 193 or 2^31 - 65), the tie goes to the even side,
+// which is down for the first (as x goes) and up, to 1, for the second: that one lane is moved
+// up by one. Below 2^24, x is a single itself. From 2^24 on, 2x + 1 (below 2^32, unsigned)
+// rounded to nearest is twice x rounded with ties up: it is odd, so never a tie itself, and lies
+// above twice a midpoint exactly where x lies on or above it. Zero and below, the rule's double
+// is y exactly, which the conversion of x rounds as the double's conversion does.
+template <bool Tail>
+NU_LANES_ void ConvertHalfUpLanes(float* trg, int const* src, __mmask16 mask) noexcept {
+  constexpr int lastTie = 0x7FFFFFBF;  // 2^31 - 65
+  __m512i const x = Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src);
+  __m512 const near = _mm512_mul_ps(_mm512_cvtepi32_ps(x), _mm512_set1_ps(0x1p-31f));
+  __m512i const moved = _mm512_mask_add_epi32(x, _mm512_cmpeq_epi32_mask(x, _mm512_set1_epi32(lastTie)), x,
+                                              _mm512_set1_epi32(1));
+  __m512i const odd = _mm512_or_si512(_mm512_add_epi32(moved, moved), _mm512_set1_epi32(1));
+  __m512 const up = _mm512_mul_ps(_mm512_cvtepu32_ps(odd), _mm512_set1_ps(0x1p-32f));
+  __m512 const v = _mm512_mask_blend_ps(_mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(1 << 24)), near, up);
+  Tail ? _mm512_mask_storeu_ps(trg, mask, v) : _mm512_storeu_ps(trg, v);
+}
+
+// Int and UInt from Float. The rule scales the double of x by L = 2^k - 1 (by 2^31 at zero and
+// below into Int, k = 31 or 32), rounds once, clamps and truncates; A = x 2^k is exact in single.
+// For 0 < x < 1 the exact product A - x lies below A by x = A 2^-k. If A is an integer, the floor
+// of A - x is A - 1, and the nearest integer above lies x away, beyond the double's half unit
+// (below A 2^-53). Otherwise A < 2^23 (x's last bit is worth less than 2^-k, so x < 2^(23 - k))
+// and the fraction of A is at least its last bit, above A 2^-24 > x: no integer lies between
+// A - x and A, the floor is floor(A), and the nearest integer above lies farther than a last bit
+// of A, beyond the double's rounding. Either way the truncated double is ceil(A) - 1. Into Int,
+// zero and below, the product is A, whose truncation toward zero is its ceiling; from -1 down,
+// and for a NaN, the conversion's indefinite integer is the rule's INT_MIN; from 1 up the
+// ceiling's conversion overflows to INT_MIN too, whose wrapped predecessor is the clamp's
+// INT_MAX. Into UInt, zero and below and NaN give 0, and 1 and above the clamp's maximum.
+template <class TE, bool Tail>
+NU_LANES_ void ConvertCeilingLanes(TE* trg, float const* src, __mmask16 mask) noexcept {
+  constexpr bool toInt = std::is_same_v<TE, int>;
+  __m512 const x = Tail ? _mm512_maskz_loadu_ps(mask, src) : _mm512_loadu_ps(src);
+  __m512 const a = _mm512_mul_ps(x, _mm512_set1_ps(toInt ? 0x1p31f : 0x1p32f));
+  __mmask16 const positive = _mm512_cmp_ps_mask(x, _mm512_setzero_ps(), _CMP_GT_OQ);
+  __m512i const one = _mm512_set1_epi32(1);
+  __m512i v;
+  if constexpr (toInt) {
+    __m512i const ceiling = _mm512_cvt_roundps_epi32(a, _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC);
+    v = _mm512_mask_sub_epi32(ceiling, positive, ceiling, one);
+  } else {
+    __m512i const ceiling = _mm512_cvt_roundps_epu32(a, _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC);
+    __mmask16 const whole = _mm512_cmp_ps_mask(x, _mm512_set1_ps(1.0f), _CMP_GE_OQ);
+    v = _mm512_mask_mov_epi32(_mm512_maskz_sub_epi32(positive & ~whole, ceiling, one), whole, _mm512_set1_epi32(-1));
+  }
+  Tail ? _mm512_mask_storeu_epi32(trg, mask, v) : _mm512_storeu_si512(trg, v);
+}
+
 // ---- between Int, UInt and Float: sixteen 32-bit lanes in, sixteen out --------------------
 // The register form of the rule for the mapped layout moves. Between the integer types the
 // closed forms of ConvertChannelValue; otherwise the rule in double, eight lanes at a time.
@@ -563,6 +620,12 @@ NU_TARGET_Avx512 NU_NOCLONE void ConvertLanes(std::size_t n, TE* trg, SE const* 
   } else if constexpr (K == EValueKernel::Mersenne) {
     for (; i + 16 <= n; i += 16) ConvertMersenneLanes<TE, SE, false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertMersenneLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
+  } else if constexpr (K == EValueKernel::HalfUp) {
+    for (; i + 16 <= n; i += 16) ConvertHalfUpLanes<false>(trg + i, src + i, 0xFFFF);
+    if (i < n) ConvertHalfUpLanes<true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
+  } else if constexpr (K == EValueKernel::Ceiling) {
+    for (; i + 16 <= n; i += 16) ConvertCeilingLanes<TE, false>(trg + i, src + i, 0xFFFF);
+    if (i < n) ConvertCeilingLanes<TE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
   } else if constexpr (K == EValueKernel::Narrow) {
     for (; i + 16 <= n; i += 16) ConvertNarrowLanes<TE, SE, false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertNarrowLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));

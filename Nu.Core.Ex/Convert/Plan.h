@@ -96,6 +96,8 @@ enum class EValueKernel : std::uint8_t {
   Small,       // the Small form in 16-bit lanes
   Single,      // Float into 8/16-bit integers in single-precision lanes
   Mersenne,    // the Mersenne form (Float and Double from Int, UInt), one fused multiply-add a lane
+  HalfUp,      // Float from Int: x rounded to single with ties up, times 2^-31, in single lanes
+  Ceiling,     // Int and UInt from Float: ceil(x 2^k), less one above zero, in single lanes
   Repeat,      // Double from the byte types by their repeated bits
   ByteTable,   // between the byte types: a 256-byte table of the rule's results
   WidenBytes,  // Widen from the byte types, the second term from a 256-byte table
@@ -107,24 +109,29 @@ struct SValueKernel {
 };
 
 constexpr char const* ValueKernelName(EValueKernel kind) noexcept {
-  constexpr char const* names[] = {"none",   "loop",     "rule",   "halve",     "widen",      "narrow", "small",
-                                   "single", "mersenne", "repeat", "bytetable", "widenbytes", "mapped"};
+  constexpr char const* names[] = {"none",     "loop",   "rule",    "halve",  "widen",     "narrow",
+                                   "small",    "single", "mersenne", "halfup", "ceiling", "repeat",
+                                   "bytetable", "widenbytes", "mapped"};
   return names[static_cast<int>(kind)];
 }
 
 // The lanes of AVX-512 for a pair, by its form. Forms that the compiler vectorises well as they
 // stand (Multiple, Twice, Single, UInt to Int) and floating targets keep the loop; the Mersenne
 // form has lanes of its own for the fused multiply-add, which the loop's contraction-free
-// arithmetic may not use.
+// arithmetic may not use. Between Int and Float the rule's results have forms in single
+// precision (HalfUp, Ceiling), twice the lanes of double.
 constexpr EValueKernel LanesOf(SDataInfo trg, SDataInfo src) noexcept {
   switch (ValueFormOf(trg, src)) {
     case EValueForm::Copy: return EValueKernel::None;
     case EValueForm::Halve: return src.Bytes <= 2 ? EValueKernel::Halve : EValueKernel::Loop;
     case EValueForm::Scaled: return trg.Bytes == 4 ? EValueKernel::Widen : EValueKernel::Narrow;
     case EValueForm::Small: return EValueKernel::Small;
-    case EValueForm::Mersenne: return src.Bytes == 4 ? EValueKernel::Mersenne : EValueKernel::Loop;
+    case EValueForm::Mersenne:
+      if (trg.Id == EDataType::Float && src.Id == EDataType::Int) return EValueKernel::HalfUp;
+      return src.Bytes == 4 ? EValueKernel::Mersenne : EValueKernel::Loop;
     case EValueForm::Rule:
       if (trg.Id == EDataType::Double && src.IsInteger && src.Bytes == 1) return EValueKernel::Repeat;
+      if (src.Id == EDataType::Float && trg.IsInteger && trg.Bytes == 4) return EValueKernel::Ceiling;
       if (src.Id == EDataType::Float && trg.IsInteger && trg.Bytes <= 2) return EValueKernel::Single;
       return trg.IsInteger ? EValueKernel::Rule : EValueKernel::Loop;
     default: return EValueKernel::Loop;
