@@ -489,7 +489,7 @@ NU_LANES_ void ConvertMersenneLanes(TE* trg, SE const* src, __mmask16 mask) noex
   }
 }
 
-// ---- Float from Int, Int and UInt from Float, in sixteen single lanes ----------------------
+// ---- Float from Int and Int from Float in sixteen single lanes ------------------------------
 // Float from Int. For x > 0 the rule rounds x / (2^31 - 1) = y (1 + 2^-31 + 2^-62 + ...), with
 // y = x 2^-31, to double and then to single. In units of 2^-31 the quotient is x + d with
 // d = x / (2^31 - 1), 0 < d < 1; the double's half unit there is at most 2^-23, so the double
@@ -515,34 +515,25 @@ NU_LANES_ void ConvertHalfUpLanes(float* trg, int const* src, __mmask16 mask) no
   Tail ? _mm512_mask_storeu_ps(trg, mask, v) : _mm512_storeu_ps(trg, v);
 }
 
-// Int and UInt from Float. The rule scales the double of x by L = 2^k - 1 (by 2^31 at zero and
-// below into Int, k = 31 or 32), rounds once, clamps and truncates; A = x 2^k is exact in single.
-// For 0 < x < 1 the exact product A - x lies below A by x = A 2^-k. If A is an integer, the floor
-// of A - x is A - 1, and the nearest integer above lies x away, beyond the double's half unit
-// (below A 2^-53). Otherwise A < 2^23 (x's last bit is worth less than 2^-k, so x < 2^(23 - k))
-// and the fraction of A is at least its last bit, above A 2^-24 > x: no integer lies between
-// A - x and A, the floor is floor(A), and the nearest integer above lies farther than a last bit
-// of A, beyond the double's rounding. Either way the truncated double is ceil(A) - 1. Into Int,
-// zero and below, the product is A, whose truncation toward zero is its ceiling; from -1 down,
-// and for a NaN, the conversion's indefinite integer is the rule's INT_MIN; from 1 up the
-// ceiling's conversion overflows to INT_MIN too, whose wrapped predecessor is the clamp's
-// INT_MAX. Into UInt, zero and below and NaN give 0, and 1 and above the clamp's maximum.
-template <class TE, bool Tail>
-NU_LANES_ void ConvertCeilingLanes(TE* trg, float const* src, __mmask16 mask) noexcept {
-  constexpr bool toInt = std::is_same_v<TE, int>;
+// Int from Float. The rule scales the double of x by 2^31 - 1 (by 2^31 at zero and below),
+// rounds once, clamps and truncates; A = x 2^31 is exact in single. For 0 < x < 1 the exact
+// product A - x lies below A by x = A 2^-31. If A is an integer, the floor of A - x is A - 1, and
+// the nearest integer above lies x away, beyond the double's half unit (below A 2^-53).
+// Otherwise A < 2^23 (x's last bit is worth less than 2^-31, so x < 2^-8) and the fraction of A
+// is at least its last bit, above A 2^-24 > x: no integer lies between A - x and A, the floor is
+// floor(A), and the nearest integer above lies farther than a last bit of A, beyond the double's
+// rounding. Either way the truncated double is ceil(A) - 1. Zero and below, the product is A,
+// whose truncation toward zero is its ceiling; from -1 down, and for a NaN, the conversion's
+// indefinite integer is the rule's INT_MIN; from 1 up the ceiling's conversion overflows to
+// INT_MIN too, whose wrapped predecessor is the clamp's INT_MAX. (Into UInt the clamps cost as
+// much as the double lanes save.)
+template <bool Tail>
+NU_LANES_ void ConvertCeilingLanes(int* trg, float const* src, __mmask16 mask) noexcept {
   __m512 const x = Tail ? _mm512_maskz_loadu_ps(mask, src) : _mm512_loadu_ps(src);
-  __m512 const a = _mm512_mul_ps(x, _mm512_set1_ps(toInt ? 0x1p31f : 0x1p32f));
+  __m512i const ceiling = _mm512_cvt_roundps_epi32(_mm512_mul_ps(x, _mm512_set1_ps(0x1p31f)),
+                                                   _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC);
   __mmask16 const positive = _mm512_cmp_ps_mask(x, _mm512_setzero_ps(), _CMP_GT_OQ);
-  __m512i const one = _mm512_set1_epi32(1);
-  __m512i v;
-  if constexpr (toInt) {
-    __m512i const ceiling = _mm512_cvt_roundps_epi32(a, _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC);
-    v = _mm512_mask_sub_epi32(ceiling, positive, ceiling, one);
-  } else {
-    __m512i const ceiling = _mm512_cvt_roundps_epu32(a, _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC);
-    __mmask16 const whole = _mm512_cmp_ps_mask(x, _mm512_set1_ps(1.0f), _CMP_GE_OQ);
-    v = _mm512_mask_mov_epi32(_mm512_maskz_sub_epi32(positive & ~whole, ceiling, one), whole, _mm512_set1_epi32(-1));
-  }
+  __m512i const v = _mm512_mask_sub_epi32(ceiling, positive, ceiling, _mm512_set1_epi32(1));
   Tail ? _mm512_mask_storeu_epi32(trg, mask, v) : _mm512_storeu_si512(trg, v);
 }
 
@@ -624,8 +615,8 @@ NU_TARGET_Avx512 NU_NOCLONE void ConvertLanes(std::size_t n, TE* trg, SE const* 
     for (; i + 16 <= n; i += 16) ConvertHalfUpLanes<false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertHalfUpLanes<true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
   } else if constexpr (K == EValueKernel::Ceiling) {
-    for (; i + 16 <= n; i += 16) ConvertCeilingLanes<TE, false>(trg + i, src + i, 0xFFFF);
-    if (i < n) ConvertCeilingLanes<TE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
+    for (; i + 16 <= n; i += 16) ConvertCeilingLanes<false>(trg + i, src + i, 0xFFFF);
+    if (i < n) ConvertCeilingLanes<true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
   } else if constexpr (K == EValueKernel::Narrow) {
     for (; i + 16 <= n; i += 16) ConvertNarrowLanes<TE, SE, false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertNarrowLanes<TE, SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));

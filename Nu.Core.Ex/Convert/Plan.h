@@ -97,7 +97,7 @@ enum class EValueKernel : std::uint8_t {
   Single,      // Float into 8/16-bit integers in single-precision lanes
   Mersenne,    // the Mersenne form (Float and Double from Int, UInt), one fused multiply-add a lane
   HalfUp,      // Float from Int: x rounded to single with ties up, times 2^-31, in single lanes
-  Ceiling,     // Int and UInt from Float: ceil(x 2^k), less one above zero, in single lanes
+  Ceiling,     // Int from Float: ceil(x 2^31), less one above zero, in single lanes
   Repeat,      // Double from the byte types by their repeated bits
   ByteTable,   // between the byte types: a 256-byte table of the rule's results
   WidenBytes,  // Widen from the byte types, the second term from a 256-byte table
@@ -131,7 +131,7 @@ constexpr EValueKernel LanesOf(SDataInfo trg, SDataInfo src) noexcept {
       return src.Bytes == 4 ? EValueKernel::Mersenne : EValueKernel::Loop;
     case EValueForm::Rule:
       if (trg.Id == EDataType::Double && src.IsInteger && src.Bytes == 1) return EValueKernel::Repeat;
-      if (src.Id == EDataType::Float && trg.IsInteger && trg.Bytes == 4) return EValueKernel::Ceiling;
+      if (trg.Id == EDataType::Int && src.Id == EDataType::Float) return EValueKernel::Ceiling;
       if (src.Id == EDataType::Float && trg.IsInteger && trg.Bytes <= 2) return EValueKernel::Single;
       return trg.IsInteger ? EValueKernel::Rule : EValueKernel::Loop;
     default: return EValueKernel::Loop;
