@@ -68,7 +68,8 @@ testing::AssertionResult RefusesMat(cv::Mat const& mat, EPixelType::ID pixelType
   CNuImageMoniker moniker;
   moniker.Create(2, 2, EPixelType::Lum, EDataType::UByte, memory);
   auto const before = State(moniker);
-  return Refusal(Wrap(moniker, mat, pixelType, dataType), before, State(moniker));
+  bool const wrapped = Wrap(moniker, mat, pixelType, dataType);
+  return Refusal(wrapped, before, State(moniker));
 }
 testing::AssertionResult RefusesImage(int width, int height, int pixelType, int dataType, void* data = &Untouched) {
   CNuImage image;
@@ -76,7 +77,8 @@ testing::AssertionResult RefusesImage(int width, int height, int pixelType, int 
                       data, 0.0, 0);
   cv::Mat const before(1, 1, CV_16SC2);
   cv::Mat mat = before;
-  return Refusal(OpenCv::WrapImage(mat, image), State(before), State(mat));
+  bool const wrapped = OpenCv::WrapImage(mat, image);
+  return Refusal(wrapped, State(before), State(mat));
 }
 
 }  // namespace
