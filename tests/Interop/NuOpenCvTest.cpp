@@ -63,7 +63,8 @@ testing::AssertionResult Refusal(bool wrapped, TState const& before, TState cons
   return testing::AssertionFailure() << (wrapped ? "wrapped, " : "refused, ") << testing::PrintToString(before)
                                      << " became " << testing::PrintToString(after);
 }
-testing::AssertionResult RefusesMat(cv::Mat const& mat, EPixelType::ID pixelType, EDataType::ID dataType = EDataType::Void) {
+testing::AssertionResult RefusesMat(cv::Mat const& mat, EPixelType::ID pixelType,
+                                    EDataType::ID dataType = EDataType::Void) {
   unsigned char memory[4];
   CNuImageMoniker moniker;
   moniker.Create(2, 2, EPixelType::Lum, EDataType::UByte, memory);
@@ -97,7 +98,8 @@ TEST(NuOpenCv, WrapsEveryMappedTypeBothWaysWithoutCopying) {
     for (auto [pixelType, channels] : Pixels)
       cases.push_back({CV_MAKETYPE(depth, channels), pixelType, pixelType, EDataType::Void, dataType});
     for (int channels = 1; channels <= 4; ++channels)
-      cases.push_back({CV_MAKETYPE(depth, channels), EPixelType::Void, conventional[channels - 1], EDataType::Void, dataType});
+      cases.push_back({CV_MAKETYPE(depth, channels), EPixelType::Void, conventional[channels - 1], EDataType::Void,
+                       dataType});
   }
   // The custom types are stored in 16-bit elements; named, they view a CV_16U Mat.
   for (EDataType::ID custom : {EDataType::Custom_10in16_LSB, EDataType::Custom_10in16_MSB,

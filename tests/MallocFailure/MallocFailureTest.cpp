@@ -45,9 +45,10 @@ TEST(ImageAllocation, CreateAndCopyEndEmptyOnAFailedMallocAndSwapReleasesTheBloc
                        {{"Error creating image", "Create", ImageFile}, {"Out of memory", "Create", ImageFile}});
   EXPECT_TRUE(!image.IsValid() && image.GetByteCount() == 0);  // the old block went before the allocation
   // A plain exception, not the containers' kind.
-  NuTest::ExpectRaises([&] { FailingMalloc f; image = source; }, {{"Error creating image copy", "Create", ImageFile},
-                                                                 {"Error creating image", "Create", ImageFile},
-                                                                 {"Out of memory", "Create", ImageFile, "Nu.Exception"}});
+  NuTest::ExpectRaises([&] { FailingMalloc f; image = source; },
+                       {{"Error creating image copy", "Create", ImageFile},
+                        {"Error creating image", "Create", ImageFile},
+                        {"Out of memory", "Create", ImageFile, "Nu.Exception"}});
   // Where the image owned its block, Swap hands that block to the other image and then releases it.
   struct CForgetful : CNuImage {
     void Forget() { Data = nullptr; }
