@@ -3,6 +3,7 @@
 // every byte of the target, guards included.
 #include <Nu.Core.Ex/NuImage.h>
 #include <Reference/ConvertReference.h>
+#include <Support/ImageCheck.h>
 #include "FuzzInput.h"
 
 #include <cstdint>
@@ -70,11 +71,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
 
   int got = 2;
   try {
-    auto format = [](int w, int h, int pixelType, int dataType) {
-      return Nu::CNuImageFormat(w, h, static_cast<Nu::EPixelType::ID>(pixelType), static_cast<Nu::EDataType::ID>(dataType));
-    };
-    got = Nu::CNuImage::ConvertMemory(&target[Guard], &source[Guard], format(trgWidth, height, trgPixel, trgData),
-                                      format(width, height, srcPixel, srcData));
+    got = Nu::CNuImage::ConvertMemory(&target[Guard], &source[Guard],
+                                      NuTest::Format(trgWidth, height, trgPixel, trgData),
+                                      NuTest::Format(width, height, srcPixel, srcData));
   } catch (Nu::CNuException const& e) {
     Check(std::strcmp(e.GetMessageText(), "Error converting image memory") == 0 && e.GetInnerException() != nullptr);
   }

@@ -54,6 +54,10 @@ faults=(
   "chain-text@Nu.Core/NuException.cpp@s/\"  inner: \"/\" inner: \"/"
   "guid-case@Nu.Core/Guid.cpp@s/\"0123456789ABCDEF\"/\"0123456789abcdef\"/"
   "string-append@Nu.Core/NuString.cpp@s/std::memcpy(fresh + Size, text, size);/std::memcpy(fresh + Size, text, size - 1);/"
+  # The OpenCV bridge, where OpenCV's core is found.
+  "cv-convention@interop/NuOpenCv.h@s/case 3: return EPixelType::BGR;/case 3: return EPixelType::RGB;/"
+  "cv-depth@interop/NuOpenCv.h@s/case EDataType::Byte: return CV_8S;/case EDataType::Byte: return CV_8U;/"
+  "cv-roi@interop/NuOpenCv.h@s/ || !mat.isContinuous()) return false;/) return false;/"
 )
 
 if [ ! -d "$tree/.git" ]; then
@@ -62,7 +66,7 @@ fi
 if [ "$tree" != "$here" ] && [ "$(git -C "$tree" remote get-url origin 2>/dev/null)" = "$here" ]; then
   git -C "$tree" pull -q --ff-only || exit 1
 fi
-sources=(Nu.Core Nu.Core.Ex Nu.Core.Math)
+sources=(Nu.Core Nu.Core.Ex Nu.Core.Math interop)
 # The binaries of the default test run.
 targets=(NuCoreTests NuCoreExTests NuAllocFailureTests NuMallocFailureTests)
 if ! git -C "$tree" diff --quiet -- "${sources[@]}"; then
@@ -71,6 +75,7 @@ if ! git -C "$tree" diff --quiet -- "${sources[@]}"; then
 fi
 build=$tree/build/release
 [ -f "$build/CMakeCache.txt" ] || (cd "$tree" && cmake --preset release >/dev/null) || exit 1
+grep -q '^build NuOpenCvInteropTests:' "$build/build.ninja" && targets+=(NuOpenCvInteropTests)
 restore() { git -C "$tree" checkout -q -- "${sources[@]}"; }
 trap restore EXIT
 

@@ -12,9 +12,10 @@ inline constexpr char ArrayFile[] = "Nu.Core.Ex/NuArrayBase.h", Array2DFile[] = 
                       ImageFile[] = "Nu.Core.Ex/NuImage.cpp", MonikerFile[] = "Nu.Core.Ex/NuImageMoniker.cpp",
                       MappingFile[] = "Nu.Core.Ex/NuMapping3D.cpp";
 
-// One level of an exception chain; a Chain lists them outermost first.
+// One level of an exception chain, and its class where that matters; a Chain lists them
+// outermost first.
 struct ExpectedLevel {
-  char const *Message, *Function, *File;
+  char const *Message, *Function, *File, *Name = nullptr;
 };
 using Chain = std::initializer_list<ExpectedLevel>;
 
@@ -28,6 +29,9 @@ inline void ExpectChain(Nu::IException const& e, Chain levels) {
     EXPECT_STREQ(level->GetFunction(), expected.Function);
     EXPECT_STREQ(level->GetFile(), expected.File);
     EXPECT_GT(level->GetLine(), 0);
+    if (expected.Name != nullptr) {
+      EXPECT_STREQ(level->GetName(), expected.Name);
+    }
     level = level->GetInnerException();
   }
   EXPECT_EQ(level, nullptr) << "chain is longer than expected: " << level->GetMessageText();

@@ -1,13 +1,17 @@
 // The engine at every instruction-set level this CPU has, bit for bit against the reference
-// model, through the library's own kernel objects and ConvertRunAt. Templates only collect the
-// kernels; the checks are plain functions, which keeps this unit quick to build.
+// model, through the library's own kernel objects and ConvertRunAt, and its plans against the
+// golden file. Templates only collect the kernels; the checks are plain functions, which keeps
+// this unit quick to build.
 #include <Nu.Core.Ex/Convert/Leaf.h>
+#include <Nu.Core.Ex/Convert/PlanText.h>
 #include <Support/ConvertSamples.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -88,6 +92,22 @@ void CheckRun(ELevel level, SPair const& pair, std::size_t count, std::size_t sh
   ASSERT_TRUE(SameBytes(trg.Bytes, expected.Bytes));
 }
 
+std::vector<std::string> PlanLines() {
+  std::vector<std::string> lines = {
+      "# The plan of every pair at every level (Nu.Core.Ex/Convert/Plan.h): order, value kernel and",
+      "# move kernel with the level their code is compiled for, pixels per step through the L1",
+      "# buffer, and from what size the target streams and the source is fetched ahead (in the",
+      "# streaming blocks as well where it says so). Bayer formats plan as Lum. Runs under " + std::to_string(FusedFrom) + " pixels,",
+      "# and runs that overlap, take the forward passes.",
+      "# Written by tests/Nu.Core.Ex/Convert/ConvertLevelsTest.cpp; do not edit by hand."};
+  for (SFormatIds const& trg : AllFormats)
+    for (SFormatIds const& src : AllFormats)
+      if (!NuRef::IsBayer(trg.PixelType) && !NuRef::IsBayer(src.PixelType))
+        for (ELevel level : AllLevels)
+          lines.push_back(PlanLine(trg.PixelType, trg.DataType, src.PixelType, src.DataType, level));
+  return lines;
+}
+
 class ConvertLevels : public ::testing::TestWithParam<ELevel> {
 protected:
   void SetUp() override {
@@ -158,3 +178,27 @@ TEST_P(ConvertLevels, RunsBeyondTheCachesStreamOrFetch) {
 
 INSTANTIATE_TEST_SUITE_P(Levels, ConvertLevels, ::testing::ValuesIn(AllLevels),
                          [](::testing::TestParamInfo<ELevel> const& info) { return std::string(LevelName(info.param)); });
+
+// Every pair's plan at every level against the committed tests/Golden/ConvertPlans.txt, so that
+// every change of path shows as a diff of that file. After a deliberate change, regenerate it with
+//   NU_WRITE_GOLDEN=1 build/release/tests/NuCoreExTests --gtest_filter='ConvertPlans.*'
+TEST(ConvertPlans, EveryPairAtEveryLevelMatchesTheGoldenFile) {
+  std::vector<std::string> const lines = PlanLines();
+  if (std::getenv("NU_WRITE_GOLDEN") != nullptr) {
+    std::ofstream out(NU_GOLDEN_FILE);
+    for (std::string const& line : lines) out << line << '\n';
+    GTEST_SKIP() << "wrote " << NU_GOLDEN_FILE;
+  }
+  std::ifstream in(NU_GOLDEN_FILE);
+  ASSERT_TRUE(in) << "cannot read " << NU_GOLDEN_FILE;
+  std::vector<std::string> golden;
+  for (std::string line; std::getline(in, line);) golden.push_back(line);
+  int shown = 0;
+  for (std::size_t i = 0; i < std::max(lines.size(), golden.size()) && shown < 20; ++i) {
+    std::string const want = i < golden.size() ? golden[i] : "(none)", got = i < lines.size() ? lines[i] : "(none)";
+    if (want != got) {
+      ADD_FAILURE() << "line " << i + 1 << "\n golden: " << want << "\n   plan: " << got;
+      ++shown;
+    }
+  }
+}
