@@ -305,34 +305,31 @@ NU_LANES_ void ConvertHalveLanes(int* trg, SE const* src, __mmask16 mask) noexce
   Tail ? _mm512_mask_storeu_epi32(trg, mask, result) : _mm512_storeu_si512(trg, result);
 }
 
-// Narrowing, 16 elements: Ls = 2^k - 1, and y = x * Lt = q 2^k + r is q Ls + q + r, where
-// q < Lt and r < 2^k, so q + r < 2 Ls and floor(y / Ls) = q + [q + r >= Ls] = (y + q + 1) >> k:
-// 64-bit lanes, even and odd elements apart.
-template <unsigned int K>
-NU_LANES_ __m512i QuotientByMersenne(__m512i y) noexcept {
-  return _mm512_srli_epi64(_mm512_add_epi64(_mm512_add_epi64(y, _mm512_srli_epi64(y, K)), _mm512_set1_epi64(1)), K);
-}
-
+// Narrowing, 16 elements. Both largest values are of the form 2^n - 1: Lt = 2^j - 1 and
+// Ls = 2^k - 1, j < k. With x = a 2^(k - j) + r (0 <= r < 2^(k - j)), x Lt = a Ls + e with
+// e = a + r 2^j - x = r (2^j - 1) - a (2^(k - j) - 1), so -Ls < e < Ls and the floor of x Lt / Ls
+// is a, less one where e < 0, that is where r 2^j < x - a: three shifts, a subtraction and an
+// unsigned comparison in 32-bit lanes, every term below 2^32.
 template <class TE, class SE, bool Tail>
 NU_LANES_ void ConvertNarrowLanes(TE* trg, SE const* src, __mmask16 mask) noexcept {
   using Trg = TDataTraits<TE>;
   using Src = TDataTraits<SE>;
   constexpr unsigned int k = std::is_signed_v<SE> ? 31 : 32;
-  static_assert(Src::Largest == static_cast<double>((std::uint64_t{1} << k) - 1));
+  constexpr unsigned int j = Log2(static_cast<std::uint32_t>(Trg::Largest) + 1);
+  static_assert(Src::Largest == static_cast<double>((std::uint64_t{1} << k) - 1) &&
+                Trg::Largest == static_cast<double>((std::uint32_t{1} << j) - 1));
   __m512i const x = Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src);
-  __m512i const lt = _mm512_set1_epi64(static_cast<long long>(Trg::Largest));
-  __m512i const even = QuotientByMersenne<k>(_mm512_mul_epu32(x, lt));
-  __m512i const odd = QuotientByMersenne<k>(_mm512_mul_epu32(_mm512_srli_epi64(x, 32), lt));
-  __m512i result = _mm512_or_si512(even, _mm512_slli_epi64(odd, 32));
-  if constexpr (Src::IsSigned) {
-    // Below zero: 0 into an unsigned target, otherwise x over the power of two Ms / Mt,
-    // truncated toward zero (a shift, with the bias that rounds a negative quotient up).
-    __m512i negative = _mm512_setzero_si512();
-    if constexpr (Trg::IsSigned) {
-      constexpr auto m = static_cast<std::uint32_t>(Src::NegativeMagnitude / Trg::NegativeMagnitude);
-      __m512i const bias = _mm512_and_si512(_mm512_srai_epi32(x, 31), _mm512_set1_epi32(static_cast<int>(m - 1)));
-      negative = _mm512_srai_epi32(_mm512_add_epi32(x, bias), Log2(m));
-    }
+  __m512i const positive = Src::IsSigned ? _mm512_max_epi32(x, _mm512_setzero_si512()) : x;
+  __m512i const a = _mm512_srli_epi32(positive, k - j);
+  __m512i const r = _mm512_and_si512(positive, _mm512_set1_epi32(static_cast<int>((std::uint32_t{1} << (k - j)) - 1)));
+  __mmask16 const below = _mm512_cmplt_epu32_mask(_mm512_slli_epi32(r, j), _mm512_sub_epi32(positive, a));
+  __m512i result = _mm512_mask_sub_epi32(a, below, a, _mm512_set1_epi32(1));
+  if constexpr (Src::IsSigned && Trg::IsSigned) {
+    // Below zero, x over the power of two Ms / Mt, truncated toward zero (a shift, with the bias
+    // that rounds a negative quotient up).
+    constexpr auto m = static_cast<std::uint32_t>(Src::NegativeMagnitude / Trg::NegativeMagnitude);
+    __m512i const bias = _mm512_and_si512(_mm512_srai_epi32(x, 31), _mm512_set1_epi32(static_cast<int>(m - 1)));
+    __m512i const negative = _mm512_srai_epi32(_mm512_add_epi32(x, bias), Log2(m));
     result = _mm512_mask_blend_epi32(_mm512_cmpgt_epi32_mask(x, _mm512_setzero_si512()), negative, result);
   }
   StoreNarrowed<TE, Tail>(trg, result, mask);

@@ -92,7 +92,7 @@ enum class EValueKernel : std::uint8_t {
   Rule,        // the two steps in eight double lanes (floating sources into integer targets)
   Halve,       // the Halve form in 32-bit lanes (Int from UByte and UShort)
   Widen,       // the Scaled form widening: a x + floor(b x / Ls), the second term in 16-bit lanes
-  Narrow,      // the Scaled form narrowing: (y + (y >> k) + 1) >> k in 64-bit lanes
+  Narrow,      // the Scaled form narrowing: x >> (k - j), less one below a bound, in 32-bit lanes
   Small,       // the Small form in 16-bit lanes
   Single,      // Float into 8/16-bit integers in single-precision lanes
   Mersenne,    // the Mersenne form (Float and Double from Int, UInt), one fused multiply-add a lane
