@@ -28,7 +28,7 @@ faults=(
   "clamp-dropped@Nu.Core.Ex/Convert/ValueRule.h@s/double c = w > Traits::Largest ? Traits::Largest : w;/double c = w;/"
   "nan-int@Nu.Core.Ex/Convert/ValueRule.h@s/NaNResult = -2147483647 - 1;/NaNResult = 0;/"
   "mersenne-unit@Nu.Core.Ex/Convert/ValueRule.h@s/(x >= sticky ? 1.0 : 0.0)/(x >= sticky ? 0.0 : 0.0)/"
-  "mersenne-lanes@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_set1_pd(unit + twice)/_mm512_set1_pd(unit + 0 * twice)/"
+  "mersenne-lanes@Nu.Core.Ex/Convert/Lanes.h@s/double scale = wide ? unit + Pow2(-2 \\* k) :/double scale = wide ? unit :/"
   "permute-register@Nu.Core.Ex/Convert/Moves.h@s/Span > Lanes ? 2 : 1/Span > 2 * Lanes ? 2 : 1/"
   # Around the engine.
   "array-bound@Nu.Core.Ex/NuArrayBase.h@s/if (index >= Length()) NU_RAISE/if (index > Length()) NU_RAISE/"

@@ -449,32 +449,40 @@ NU_LANES_ void ConvertSingleLanes(TE* trg, float const* src, __mmask16 mask) noe
   StoreNarrowed<TE, Tail>(trg, _mm512_cvttps_epi32(t), mask);
 }
 
-// ---- Float and Double from Int and UInt: the Mersenne form in one fused operation -----------
-// x 2^-k + (2x + s) 2^-(2k + 1) is x (2^-k + 2^-2k) + s 2^-(2k + 1): the product of x (k bits)
-// and the constant (two bits) is exact inside a fused multiply-add, which rounds the sum once,
-// as the form's addition does. Int's zero and below take the scale 2^-31 and nothing added: the
-// rule's exact product.
+// ---- the Mersenne form in one fused operation ----------------------------------------------
+// For 32-bit sources (m = 2k) the form is x (2^-k + 2^-2k) + s 2^-(2k + 1), for 16-bit ones
+// (m = 4k) x (2^-k + 2^-2k + 2^-3k + 2^-4k) + s 2^-(4k + 1): the constant's bits lie within 53
+// places, and the product of x and the constant is exact inside a fused multiply-add, which
+// rounds the sum once, as the form's addition does. Signed zero and below take the scale 2^-k
+// and nothing added: the rule's exact product. Short keeps the rule as its form for the loop's
+// sake (ValueFormOf); the form's proof holds for it as for UShort, and these lanes use it.
 template <class TE, class SE, bool Tail>
 NU_LANES_ void ConvertMersenneLanes(TE* trg, SE const* src, __mmask16 mask) noexcept {
-  constexpr bool isSigned = std::is_signed_v<SE>;
-  constexpr double unit = isSigned ? 0x1p-31 : 0x1p-32, twice = isSigned ? 0x1p-62 : 0x1p-64;
-  constexpr double stickyUnit = isSigned ? 0x1p-63 : 0x1p-65;
-  __m512i const x = Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src);
-  __mmask16 positive = 0xFFFF, sticky;
-  if constexpr (isSigned) {
-    positive = _mm512_cmpgt_epi32_mask(x, _mm512_setzero_si512());
-    sticky = _mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(1 << 22));
+  constexpr bool isSigned = std::is_signed_v<SE>, wide = sizeof(SE) == 4;
+  constexpr int k = 8 * static_cast<int>(sizeof(SE)) - (isSigned ? 1 : 0), m = wide ? 2 * k : 4 * k;
+  constexpr double unit = Pow2(-k);
+  constexpr double scale = wide ? unit + Pow2(-2 * k) : unit + Pow2(-2 * k) + Pow2(-3 * k) + Pow2(-4 * k);
+  constexpr double stickyUnit = Pow2(-(m + 1));
+  constexpr int stickyFrom = 1 << (53 - m + k);
+  constexpr bool unsignedLanes = wide && !isSigned;  // UInt: compared and converted as unsigned
+  __m512i x;
+  if constexpr (wide) {
+    x = Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src);
   } else {
-    sticky = _mm512_cmpge_epu32_mask(x, _mm512_set1_epi32(1 << 21));
+    __m256i const w = Tail ? _mm256_maskz_loadu_epi16(mask, src) : _mm256_loadu_si256(reinterpret_cast<__m256i const*>(src));
+    x = isSigned ? _mm512_cvtepi16_epi32(w) : _mm512_cvtepu16_epi32(w);
   }
+  __mmask16 const positive = isSigned ? _mm512_cmpgt_epi32_mask(x, _mm512_setzero_si512()) : 0xFFFF;
+  __mmask16 const sticky = unsignedLanes ? _mm512_cmpge_epu32_mask(x, _mm512_set1_epi32(stickyFrom))
+                                         : _mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(stickyFrom));
   __m512d v[2];
   for (int half = 0; half < 2; ++half) {
     __m256i const h = half == 0 ? _mm512_castsi512_si256(x) : _mm512_extracti64x4_epi64(x, 1);
-    __m512d const d = isSigned ? _mm512_cvtepi32_pd(h) : _mm512_cvtepu32_pd(h);
-    __m512d const scale = _mm512_mask_blend_pd(static_cast<__mmask8>(positive >> (8 * half)), _mm512_set1_pd(unit),
-                                               _mm512_set1_pd(unit + twice));
+    __m512d const d = unsignedLanes ? _mm512_cvtepu32_pd(h) : _mm512_cvtepi32_pd(h);
+    __m512d const factor = _mm512_mask_blend_pd(static_cast<__mmask8>(positive >> (8 * half)), _mm512_set1_pd(unit),
+                                                _mm512_set1_pd(scale));
     __m512d const added = _mm512_maskz_mov_pd(static_cast<__mmask8>(sticky >> (8 * half)), _mm512_set1_pd(stickyUnit));
-    v[half] = _mm512_fmadd_pd(d, scale, added);
+    v[half] = _mm512_fmadd_pd(d, factor, added);
   }
   if constexpr (std::is_same_v<TE, float>) {
     __m512 const f = _mm512_insertf32x8(_mm512_castps256_ps512(_mm512_cvtpd_ps(v[0])), _mm512_cvtpd_ps(v[1]), 1);

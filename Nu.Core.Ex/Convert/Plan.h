@@ -95,7 +95,7 @@ enum class EValueKernel : std::uint8_t {
   Narrow,      // the Scaled form narrowing: x >> (k - j), less one below a bound, in 32-bit lanes
   Small,       // the Small form in 16-bit lanes
   Single,      // Float into 8/16-bit integers in single-precision lanes
-  Mersenne,    // the Mersenne form (Float and Double from Int, UInt), one fused multiply-add a lane
+  Mersenne,    // the Mersenne form (Float, Double from Int, UInt; Double from 16 bits), one FMA a lane
   HalfUp,      // Float from Int: x rounded to single with ties up, times 2^-31, in single lanes
   Ceiling,     // Int from Float: ceil(x 2^31), less one above zero, in single lanes
   Repeat,      // Double from the byte types by their repeated bits
@@ -128,10 +128,11 @@ constexpr EValueKernel LanesOf(SDataInfo trg, SDataInfo src) noexcept {
     case EValueForm::Small: return EValueKernel::Small;
     case EValueForm::Mersenne:
       if (trg.Id == EDataType::Float && src.Id == EDataType::Int) return EValueKernel::HalfUp;
-      return src.Bytes == 4 ? EValueKernel::Mersenne : EValueKernel::Loop;
+      return EValueKernel::Mersenne;
     case EValueForm::Rule:
       if (trg.Id == EDataType::Double && src.IsInteger && src.Bytes == 1) return EValueKernel::Repeat;
       if (trg.Id == EDataType::Int && src.Id == EDataType::Float) return EValueKernel::Ceiling;
+      if (trg.Id == EDataType::Double && src.Id == EDataType::Short) return EValueKernel::Mersenne;  // see the lanes
       if (src.Id == EDataType::Float && trg.IsInteger && trg.Bytes <= 2) return EValueKernel::Single;
       return trg.IsInteger ? EValueKernel::Rule : EValueKernel::Loop;
     default: return EValueKernel::Loop;
