@@ -139,6 +139,22 @@ NU_BENCH_PAIR(RGB_UByte_from_Bayer1_UByte, RGB, UByte, Bayer1, UByte)
 NU_BENCH_PAIR(RGB_UByte_same_format_copy, RGB, UByte, RGB, UByte)
 BENCHMARK(BM_CustomWidening)->Apply(Sizes);
 
+// The fixed cost of a call: one pixel through the public road, the same bytes every time.
+void BM_OnePixel(benchmark::State& state, SPair pair) {
+  CNuImageFormat const trgFormat(1, 1, pair.TrgPixel, pair.TrgData), srcFormat(1, 1, pair.SrcPixel, pair.SrcData);
+  alignas(64) unsigned char trg[64] = {}, src[64] = {};
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(CNuImage::ConvertMemory(trg, src, trgFormat, srcFormat));
+    benchmark::ClobberMemory();
+  }
+}
+#define NU_BENCH_ONE_PIXEL(name, tp, td, sp, sd) \
+  BENCHMARK_CAPTURE(BM_OnePixel, name, SPair{EPixelType::tp, EDataType::td, EPixelType::sp, EDataType::sd});
+NU_BENCH_ONE_PIXEL(same_format, RGB, UByte, RGB, UByte)
+NU_BENCH_ONE_PIXEL(BGR_UByte_from_RGB_UByte, BGR, UByte, RGB, UByte)
+NU_BENCH_ONE_PIXEL(RGB_Float_from_RGB_UByte, RGB, Float, RGB, UByte)
+NU_BENCH_ONE_PIXEL(Lum_Float_from_Lum_Int, Lum, Float, Lum, Int)
+
 // ---- --all-pairs ---------------------------------------------------------------------------
 
 #define NU_BENCH_FORMAT_(L, C, A, R, G, B, Al, D, E) {EPixelType::L, EDataType::D, #L "/" #D},
