@@ -530,8 +530,8 @@ NU_LANES_ void ConvertHalfUpLanes(float* trg, int const* src, __mmask16 mask) no
 // rounding. Either way the truncated double is ceil(A) - 1. Zero and below, the product is A,
 // whose truncation toward zero is its ceiling; from -1 down, and for a NaN, the conversion's
 // indefinite integer is the rule's INT_MIN; from 1 up the ceiling's conversion overflows to
-// INT_MIN too, whose wrapped predecessor is the clamp's INT_MAX. (Into UInt the clamps cost as
-// much as the double lanes save.)
+// INT_MIN too, whose wrapped predecessor is the clamp's INT_MAX. (UInt needs clamps of its own
+// on both sides, and keeps the double lanes.)
 template <bool Tail>
 NU_LANES_ void ConvertCeilingLanes(int* trg, float const* src, __mmask16 mask) noexcept {
   __m512 const x = Tail ? _mm512_maskz_loadu_ps(mask, src) : _mm512_loadu_ps(src);

@@ -109,9 +109,9 @@ struct SValueKernel {
 };
 
 constexpr char const* ValueKernelName(EValueKernel kind) noexcept {
-  constexpr char const* names[] = {"none",     "loop",   "rule",    "halve",  "widen",     "narrow",
-                                   "small",    "single", "mersenne", "halfup", "ceiling", "repeat",
-                                   "bytetable", "widenbytes", "mapped"};
+  constexpr char const* names[] = {"none",     "loop",    "rule",   "halve",     "widen",
+                                   "narrow",   "small",   "single", "mersenne",  "halfup",
+                                   "ceiling",  "repeat",  "bytetable", "widenbytes", "mapped"};
   return names[static_cast<int>(kind)];
 }
 
@@ -274,8 +274,9 @@ constexpr EOrder OrderOf(SPairKey key, ELevel level) noexcept {
 }
 
 // The compiler's loop over the values is all that runs (order Values with the Loop kernel), and
-// it halves the element: Float from Double, UByte from UShort. (UShort from UInt, the other such
-// loop, gained in three and four channels and lost in one: it keeps the plain run.)
+// it halves the element: Float from Double, UByte from UShort. UShort from UInt, the other such
+// loop, keeps the usual run, which serves it better in one channel (bench/RESULTS.md, "Path
+// choices").
 constexpr bool LoopOnly(SPairKey key, ELevel level) noexcept {
   bool const halves = (key.TrgData == EDataType::Float && key.SrcData == EDataType::Double) ||
                       (key.TrgData == EDataType::UByte && key.SrcData == EDataType::UShort);
