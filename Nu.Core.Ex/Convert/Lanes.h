@@ -458,12 +458,13 @@ NU_LANES_ void ConvertSingleLanes(TE* trg, float const* src, __mmask16 mask) noe
 // sake (ValueFormOf); the form's proof holds for it as for UShort, and these lanes use it.
 template <class TE, class SE, bool Tail>
 NU_LANES_ void ConvertMersenneLanes(TE* trg, SE const* src, __mmask16 mask) noexcept {
-  constexpr bool isSigned = std::is_signed_v<SE>, wide = sizeof(SE) == 4;
-  constexpr int k = 8 * static_cast<int>(sizeof(SE)) - (isSigned ? 1 : 0), m = wide ? 2 * k : 4 * k;
+  using Form = TMersenne<SE>;
+  constexpr bool isSigned = std::is_signed_v<SE>, wide = Form::Wide;
+  constexpr int k = Form::K;
   constexpr double unit = Pow2(-k);
   constexpr double scale = wide ? unit + Pow2(-2 * k) : unit + Pow2(-2 * k) + Pow2(-3 * k) + Pow2(-4 * k);
-  constexpr double stickyUnit = Pow2(-(m + 1));
-  constexpr int stickyFrom = 1 << (53 - m + k);
+  constexpr double stickyUnit = Pow2(-(Form::M + 1));
+  constexpr auto stickyFrom = static_cast<int>(Form::StickyFrom);
   constexpr bool unsignedLanes = wide && !isSigned;  // UInt: compared and converted as unsigned
   __m512i x;
   if constexpr (wide) {

@@ -169,6 +169,16 @@ constexpr double Pow2(int e) noexcept {
   return p;
 }
 
+// The Mersenne form's numbers for a source type (the form and its proof are at
+// ConvertChannelValue): L = 2^K - 1 divides 2^M - 1, and the sticky unit is added from StickyFrom.
+template <class TSrc>
+struct TMersenne {
+  static constexpr bool Wide = sizeof(TSrc) == 4;
+  static constexpr int K = 8 * static_cast<int>(sizeof(TSrc)) - (std::is_signed_v<TSrc> ? 1 : 0);
+  static constexpr int M = Wide ? 2 * K : 4 * K;
+  static constexpr std::uint32_t StickyFrom = std::uint32_t{1} << (53 - M + K);
+};
+
 // ---- the forms -------------------------------------------------------------------------------
 // How a pair computes the rule. Each form other than Copy and Rule is an exact replacement of
 // the two steps, derived from one property of the pair; the proof stands at its code below.
@@ -337,11 +347,11 @@ constexpr TTrg ConvertChannelValue(TSrc x) noexcept {
     // 2N + s is a sum of two exact doubles, rounded once by the addition: x 2^(k + 1) + (2x + s)
     // for m = 2k, x (2^(3k + 1) + 2^(2k + 1)) + (x (2^(k + 1) + 2) + s) for m = 4k. Zero and
     // below: the exact power of two, as the rule has it.
-    constexpr bool wide = sizeof(TSrc) == 4;
-    constexpr int k = (wide ? 32 : 16) - (Src::IsSigned ? 1 : 0), m = wide ? 2 * k : 4 * k;
-    constexpr double high = wide ? Pow2(k + 1) : Pow2(3 * k + 1) + Pow2(2 * k + 1);
-    constexpr double low = wide ? 2.0 : Pow2(k + 1) + 2.0;
-    constexpr TSrc sticky = static_cast<TSrc>(std::uint32_t{1} << (53 - m + k));
+    using Form = TMersenne<TSrc>;
+    constexpr int k = Form::K, m = Form::M;
+    constexpr double high = Form::Wide ? Pow2(k + 1) : Pow2(3 * k + 1) + Pow2(2 * k + 1);
+    constexpr double low = Form::Wide ? 2.0 : Pow2(k + 1) + 2.0;
+    constexpr auto sticky = static_cast<TSrc>(Form::StickyFrom);
     double const d = static_cast<double>(x);
     double v = (d * high + (d * low + (x >= sticky ? 1.0 : 0.0))) * Pow2(-(m + 1));
     if constexpr (Src::IsSigned) v = x < 1 ? d * Src::NegativeScale : v;
