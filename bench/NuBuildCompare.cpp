@@ -10,7 +10,7 @@
 // figure is NEW's median over BASE's median. Warm: the same buffers every time. --fresh: before
 // every timed call a read sweep over 128 MiB puts source and target out of the caches. Prints
 // the distribution of the ratios, their geometric mean and the pairs that moved by more than
-// 10 % either way (every pair with --list). --every K times every K-th pair only, a quick sample.
+// 10 % either way (every pair with --list), with the two medians. --every K times every K-th pair only, a quick sample.
 #include <Nu.Core.Ex/NuImageFormat.h>
 
 #include <benchmark/benchmark.h>
@@ -136,7 +136,9 @@ int main(int argc, char** argv) {
         for (int r = 0; r < n; ++r) {
           run(r % 2), run(1 - r % 2);
         }
-        ratios.emplace_back(Median(times[1]) / Median(times[0]), std::string(t->Name) + " <- " + s.Name);
+        char medians[48];
+        std::snprintf(medians, sizeof medians, "  (%.1f / %.1f us)", 1e6 * Median(times[1]), 1e6 * Median(times[0]));
+        ratios.emplace_back(Median(times[1]) / Median(times[0]), std::string(t->Name) + " <- " + s.Name + medians);
       }
     }
     if (ratios.empty()) continue;

@@ -32,6 +32,7 @@ faults=(
   "permute-register@Nu.Core.Ex/Convert/Moves.h@s/Span > Lanes ? 2 : 1/Span > 2 * Lanes ? 2 : 1/"
   "narrow-bound@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_cmplt_epu32_mask(_mm512_slli_epi32(r, j)/_mm512_cmple_epu32_mask(_mm512_slli_epi32(r, j)/"
   "ceiling-step@Nu.Core.Ex/Convert/Lanes.h@s/ceiling, positive, ceiling, _mm512_set1_epi32(1))/ceiling, positive, ceiling, _mm512_set1_epi32(0))/"
+  "small-bias@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_mask_add_epi16(x, _mm512_movepi16_mask(x), x, Set16((1u << s) - 1))/x/"
   # Around the engine.
   "array-bound@Nu.Core.Ex/NuArrayBase.h@s/if (index >= Length()) NU_RAISE/if (index > Length()) NU_RAISE/"
   "array-growth@Nu.Core.Ex/NuContainerGrowth.h@s/capacity = size + std::max(size, length - size);/capacity = length;/"

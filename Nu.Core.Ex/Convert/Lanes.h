@@ -46,6 +46,15 @@ struct TRepeat<char> {
 
 #define NU_LANES_ NU_TARGET_Avx512 __attribute__((always_inline)) inline
 
+// A loaded vector, held in a register. Left alone, the compiler folds one load into the memory
+// operand of every instruction that uses the vector: each reads the source again, and where the
+// line is not yet in L1 every one of those reads waits on the miss.
+template <class V>
+NU_LANES_ V Held(V x) noexcept {
+  __asm__("" : "+v"(x));
+  return x;
+}
+
 // Eight source elements as exact doubles; the tail reads only the masked elements.
 template <class SE, bool Tail>
 NU_LANES_ __m512d LoadLanes(SE const* src, __mmask8 mask) noexcept {
@@ -189,8 +198,36 @@ NU_LANES_ __m512i LoadSmallLanes(SE const* src, __mmask32 mask) noexcept {
     __m256i const b = Tail ? _mm256_maskz_loadu_epi8(mask, src) : _mm256_loadu_si256(reinterpret_cast<__m256i const*>(src));
     return std::is_signed_v<SE> ? _mm512_cvtepi8_epi16(b) : _mm512_cvtepu8_epi16(b);
   } else {
-    return Tail ? _mm512_maskz_loadu_epi16(mask, src) : _mm512_loadu_si512(src);
+    return Held(Tail ? _mm512_maskz_loadu_epi16(mask, src) : _mm512_loadu_si512(src));
   }
+}
+
+// Narrowing, 32 elements. Both largest values are of the form 2^n - 1 (Lt = 2^j - 1, Ls =
+// 2^k - 1), so for a positive x the floor of x Lt / Ls is x >> (k - j), less one where
+// (x mod 2^(k - j)) 2^j < x - (x >> (k - j)) (the proof is at ConvertNarrowLanes). Zero and below
+// share the shift: into a signed target x / 2^(k - j) truncated toward zero (the bias below zero
+// rounds the shift up), where x - (x >> (k - j)) <= 0 keeps the comparison false; into an
+// unsigned target the shift is negative and the maximum with 0 answers.
+template <class TE, class SE>
+NU_LANES_ __m512i NarrowSmallLanes(__m512i x) noexcept {
+  constexpr auto lt = static_cast<std::uint32_t>(TDataTraits<TE>::Largest);
+  constexpr auto ls = static_cast<std::uint32_t>(TDataTraits<SE>::Largest);
+  constexpr unsigned int j = Log2(lt + 1), k = Log2(ls + 1), s = k - j;
+  static_assert(lt == (1u << j) - 1 && ls == (1u << k) - 1 && j < k);
+  constexpr bool signedSource = std::is_signed_v<SE>, signedTarget = std::is_signed_v<TE>;
+  __m512i a;
+  if constexpr (signedSource && signedTarget)
+    a = _mm512_srai_epi16(_mm512_mask_add_epi16(x, _mm512_movepi16_mask(x), x, Set16((1u << s) - 1)), s);
+  else if constexpr (signedSource)
+    a = _mm512_srai_epi16(x, s);
+  else
+    a = _mm512_srli_epi16(x, s);
+  __m512i const scaledRest = _mm512_slli_epi16(_mm512_and_si512(x, Set16((1u << s) - 1)), j);
+  __m512i const excess = _mm512_sub_epi16(x, a);
+  __mmask32 const below = signedSource ? _mm512_cmplt_epi16_mask(scaledRest, excess)
+                                       : _mm512_cmplt_epu16_mask(scaledRest, excess);
+  __m512i const result = _mm512_mask_sub_epi16(a, below, a, Set16(1));
+  return signedSource && !signedTarget ? _mm512_max_epi16(result, _mm512_setzero_si512()) : result;
 }
 
 // 32 elements: zero and below as ConvertChannelValue (0 into an unsigned target, otherwise x
@@ -200,24 +237,20 @@ template <class TE, class SE>
 NU_LANES_ __m512i SmallLanes(__m512i x) noexcept {
   using Trg = TDataTraits<TE>;
   using Src = TDataTraits<SE>;
-  __m512i result =
-      ScaleFloorLanes<static_cast<std::uint32_t>(Trg::Largest), static_cast<std::uint32_t>(Src::Largest)>(x);
-  if constexpr (Src::IsSigned) {
-    __m512i negative = _mm512_setzero_si512();
-    if constexpr (Trg::IsSigned) {
-      constexpr auto trgMagnitude = static_cast<std::uint32_t>(Trg::NegativeMagnitude);
-      constexpr auto srcMagnitude = static_cast<std::uint32_t>(Src::NegativeMagnitude);
-      if constexpr (trgMagnitude >= srcMagnitude) {
-        negative = _mm512_slli_epi16(x, Log2(trgMagnitude / srcMagnitude));
-      } else {
-        constexpr std::uint32_t k = srcMagnitude / trgMagnitude;
-        __m512i const bias = _mm512_and_si512(_mm512_srai_epi16(x, 15), _mm512_set1_epi16(static_cast<short>(k - 1)));
-        negative = _mm512_srai_epi16(_mm512_add_epi16(x, bias), Log2(k));
-      }
+  if constexpr (Trg::Largest < Src::Largest) {
+    return NarrowSmallLanes<TE, SE>(x);
+  } else {
+    __m512i result =
+        ScaleFloorLanes<static_cast<std::uint32_t>(Trg::Largest), static_cast<std::uint32_t>(Src::Largest)>(x);
+    if constexpr (Src::IsSigned) {
+      __m512i negative = _mm512_setzero_si512();
+      if constexpr (Trg::IsSigned)
+        negative = _mm512_slli_epi16(
+            x, Log2(static_cast<std::uint32_t>(Trg::NegativeMagnitude / Src::NegativeMagnitude)));
+      result = _mm512_mask_blend_epi16(_mm512_cmpgt_epi16_mask(x, _mm512_setzero_si512()), negative, result);
     }
-    result = _mm512_mask_blend_epi16(_mm512_cmpgt_epi16_mask(x, _mm512_setzero_si512()), negative, result);
+    return result;
   }
-  return result;
 }
 
 template <class TE, class SE, bool Tail>
@@ -318,7 +351,7 @@ NU_LANES_ void ConvertNarrowLanes(TE* trg, SE const* src, __mmask16 mask) noexce
   constexpr unsigned int j = Log2(static_cast<std::uint32_t>(Trg::Largest) + 1);
   static_assert(Src::Largest == static_cast<double>((std::uint64_t{1} << k) - 1) &&
                 Trg::Largest == static_cast<double>((std::uint32_t{1} << j) - 1));
-  __m512i const x = Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src);
+  __m512i const x = Held(Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src));
   __m512i const positive = Src::IsSigned ? _mm512_max_epi32(x, _mm512_setzero_si512()) : x;
   __m512i const a = _mm512_srli_epi32(positive, k - j);
   __m512i const r = _mm512_and_si512(positive, _mm512_set1_epi32(static_cast<int>((std::uint32_t{1} << (k - j)) - 1)));
@@ -438,7 +471,7 @@ NU_TARGET_Avx512Vbmi NU_NOCLONE void ConvertBytes(std::size_t n, TE* trg, SE con
 template <class TE, bool Tail>
 NU_LANES_ void ConvertSingleLanes(TE* trg, float const* src, __mmask16 mask) noexcept {
   using Trg = TDataTraits<TE>;
-  __m512 const x = Tail ? _mm512_maskz_loadu_ps(mask, src) : _mm512_loadu_ps(src);
+  __m512 const x = Held(Tail ? _mm512_maskz_loadu_ps(mask, src) : _mm512_loadu_ps(src));
   __m512 scale = _mm512_set1_ps(static_cast<float>(Trg::Largest));
   if constexpr (Trg::IsSigned)
     scale = _mm512_mask_blend_ps(_mm512_cmp_ps_mask(x, _mm512_setzero_ps(), _CMP_GT_OQ),
@@ -468,7 +501,7 @@ NU_LANES_ void ConvertMersenneLanes(TE* trg, SE const* src, __mmask16 mask) noex
   constexpr bool unsignedLanes = wide && !isSigned;  // UInt: compared and converted as unsigned
   __m512i x;
   if constexpr (wide) {
-    x = Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src);
+    x = Held(Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src));
   } else {
     __m256i const w = Tail ? _mm256_maskz_loadu_epi16(mask, src) : _mm256_loadu_si256(reinterpret_cast<__m256i const*>(src));
     x = isSigned ? _mm512_cvtepi16_epi32(w) : _mm512_cvtepu16_epi32(w);
@@ -511,7 +544,7 @@ NU_LANES_ void ConvertMersenneLanes(TE* trg, SE const* src, __mmask16 mask) noex
 template <bool Tail>
 NU_LANES_ void ConvertHalfUpLanes(float* trg, int const* src, __mmask16 mask) noexcept {
   constexpr int lastTie = 0x7FFFFFBF;  // 2^31 - 65
-  __m512i const x = Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src);
+  __m512i const x = Held(Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src));
   __m512 const near = _mm512_mul_ps(_mm512_cvtepi32_ps(x), _mm512_set1_ps(0x1p-31f));
   __m512i const moved = _mm512_mask_add_epi32(x, _mm512_cmpeq_epi32_mask(x, _mm512_set1_epi32(lastTie)), x,
                                               _mm512_set1_epi32(1));
@@ -535,7 +568,7 @@ NU_LANES_ void ConvertHalfUpLanes(float* trg, int const* src, __mmask16 mask) no
 // on both sides, and keeps the double lanes.)
 template <bool Tail>
 NU_LANES_ void ConvertCeilingLanes(int* trg, float const* src, __mmask16 mask) noexcept {
-  __m512 const x = Tail ? _mm512_maskz_loadu_ps(mask, src) : _mm512_loadu_ps(src);
+  __m512 const x = Held(Tail ? _mm512_maskz_loadu_ps(mask, src) : _mm512_loadu_ps(src));
   __m512i const ceiling = _mm512_cvt_roundps_epi32(_mm512_mul_ps(x, _mm512_set1_ps(0x1p31f)),
                                                    _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC);
   __mmask16 const positive = _mm512_cmp_ps_mask(x, _mm512_setzero_ps(), _CMP_GT_OQ);
