@@ -30,7 +30,7 @@ faults=(
   "mersenne-unit@Nu.Core.Ex/Convert/ValueRule.h@s/(x >= sticky ? 1.0 : 0.0)/(x >= sticky ? 0.0 : 0.0)/"
   "mersenne-lanes@Nu.Core.Ex/Convert/Lanes.h@s/double scale = wide ? unit + Pow2(-2 \\* k) :/double scale = wide ? unit :/"
   "permute-register@Nu.Core.Ex/Convert/Moves.h@s/Span > Lanes ? 2 : 1/Span > 2 * Lanes ? 2 : 1/"
-  "narrow-bound@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_cmplt_epu32_mask(_mm512_slli_epi32(r, j)/_mm512_cmple_epu32_mask(_mm512_slli_epi32(r, j)/"
+  "narrow-bound@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_cmplt_epu32_mask(scaledRest, excess)/_mm512_cmple_epu32_mask(scaledRest, excess)/"
   "ceiling-step@Nu.Core.Ex/Convert/Lanes.h@s/ceiling, positive, ceiling, _mm512_set1_epi32(1))/ceiling, positive, ceiling, _mm512_set1_epi32(0))/"
   "small-bias@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_mask_add_epi16(x, _mm512_movepi16_mask(x), x, Set16((1u << s) - 1))/x/"
   # Around the engine.

@@ -202,12 +202,8 @@ NU_LANES_ __m512i LoadSmallLanes(SE const* src, __mmask32 mask) noexcept {
   }
 }
 
-// Narrowing, 32 elements. Both largest values are of the form 2^n - 1 (Lt = 2^j - 1, Ls =
-// 2^k - 1), so for a positive x the floor of x Lt / Ls is x >> (k - j), less one where
-// (x mod 2^(k - j)) 2^j < x - (x >> (k - j)) (the proof is at ConvertNarrowLanes). Zero and below
-// share the shift: into a signed target x / 2^(k - j) truncated toward zero (the bias below zero
-// rounds the shift up), where x - (x >> (k - j)) <= 0 keeps the comparison false; into an
-// unsigned target the shift is negative and the maximum with 0 answers.
+// Narrowing, 32 elements: the 2^n - 1 identity of NarrowLanes (the proof is there) in 16-bit
+// lanes, for Lt = 2^j - 1 and Ls = 2^k - 1, zero and below sharing the shift.
 template <class TE, class SE>
 NU_LANES_ __m512i NarrowSmallLanes(__m512i x) noexcept {
   constexpr auto lt = static_cast<std::uint32_t>(TDataTraits<TE>::Largest);
@@ -264,7 +260,7 @@ NU_LANES_ void ConvertSmallLanes(TE* trg, SE const* src, __mmask32 mask) noexcep
   }
 }
 
-// ---- the Scaled form: 32-bit integers against the 8- and 16-bit ones, in integer lanes ------
+// ---- 32-bit integers against the 8- and 16-bit ones, in integer lanes ------------------------
 // The rule's result for a positive x is floor(x * Lt / Ls) (RationalScale), zero and below as
 // WithIntegerNegatives.
 
@@ -341,31 +337,38 @@ NU_LANES_ void ConvertHalveLanes(int* trg, SE const* src, __mmask16 mask) noexce
 // Narrowing, 16 elements. Both largest values are of the form 2^n - 1: Lt = 2^j - 1 and
 // Ls = 2^k - 1, j < k. With x = a 2^(k - j) + r (0 <= r < 2^(k - j)), x Lt = a Ls + e with
 // e = a + r 2^j - x = r (2^j - 1) - a (2^(k - j) - 1), so -Ls < e < Ls and the floor of x Lt / Ls
-// is a, less one where e < 0, that is where r 2^j < x - a: three shifts, a subtraction and an
-// unsigned comparison in 32-bit lanes, every term below 2^32.
+// is a, less one where e < 0, that is where r 2^j < x - a: three shifts, a subtraction and a
+// comparison, every term within the lane. Zero and below share the shift: into a signed target
+// the rule gives x / 2^(k - j) truncated toward zero (the bias below zero rounds the shift up),
+// and there x - a <= 0 keeps the comparison false; into an unsigned target the shift is
+// negative and the maximum with 0 answers. NarrowSmallLanes is the same in 16-bit lanes.
+template <class TE, class SE>
+NU_LANES_ __m512i NarrowLanes(__m512i x) noexcept {
+  constexpr unsigned int k = std::is_signed_v<SE> ? 31 : 32;
+  constexpr unsigned int j = Log2(static_cast<std::uint32_t>(TDataTraits<TE>::Largest) + 1), s = k - j;
+  static_assert(TDataTraits<SE>::Largest == static_cast<double>((std::uint64_t{1} << k) - 1) &&
+                TDataTraits<TE>::Largest == static_cast<double>((std::uint32_t{1} << j) - 1));
+  constexpr bool signedSource = std::is_signed_v<SE>, signedTarget = std::is_signed_v<TE>;
+  __m512i const rest = _mm512_set1_epi32(static_cast<int>((std::uint32_t{1} << s) - 1));
+  __m512i a;
+  if constexpr (signedSource && signedTarget)
+    a = _mm512_srai_epi32(_mm512_mask_add_epi32(x, _mm512_movepi32_mask(x), x, rest), s);
+  else if constexpr (signedSource)
+    a = _mm512_srai_epi32(x, s);
+  else
+    a = _mm512_srli_epi32(x, s);
+  __m512i const scaledRest = _mm512_slli_epi32(_mm512_and_si512(x, rest), j);
+  __m512i const excess = _mm512_sub_epi32(x, a);
+  __mmask16 const below = signedSource ? _mm512_cmplt_epi32_mask(scaledRest, excess)
+                                       : _mm512_cmplt_epu32_mask(scaledRest, excess);
+  __m512i const result = _mm512_mask_sub_epi32(a, below, a, _mm512_set1_epi32(1));
+  return signedSource && !signedTarget ? _mm512_max_epi32(result, _mm512_setzero_si512()) : result;
+}
+
 template <class TE, class SE, bool Tail>
 NU_LANES_ void ConvertNarrowLanes(TE* trg, SE const* src, __mmask16 mask) noexcept {
-  using Trg = TDataTraits<TE>;
-  using Src = TDataTraits<SE>;
-  constexpr unsigned int k = std::is_signed_v<SE> ? 31 : 32;
-  constexpr unsigned int j = Log2(static_cast<std::uint32_t>(Trg::Largest) + 1);
-  static_assert(Src::Largest == static_cast<double>((std::uint64_t{1} << k) - 1) &&
-                Trg::Largest == static_cast<double>((std::uint32_t{1} << j) - 1));
   __m512i const x = Held(Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src));
-  __m512i const positive = Src::IsSigned ? _mm512_max_epi32(x, _mm512_setzero_si512()) : x;
-  __m512i const a = _mm512_srli_epi32(positive, k - j);
-  __m512i const r = _mm512_and_si512(positive, _mm512_set1_epi32(static_cast<int>((std::uint32_t{1} << (k - j)) - 1)));
-  __mmask16 const below = _mm512_cmplt_epu32_mask(_mm512_slli_epi32(r, j), _mm512_sub_epi32(positive, a));
-  __m512i result = _mm512_mask_sub_epi32(a, below, a, _mm512_set1_epi32(1));
-  if constexpr (Src::IsSigned && Trg::IsSigned) {
-    // Below zero, x over the power of two Ms / Mt, truncated toward zero (a shift, with the bias
-    // that rounds a negative quotient up).
-    constexpr auto m = static_cast<std::uint32_t>(Src::NegativeMagnitude / Trg::NegativeMagnitude);
-    __m512i const bias = _mm512_and_si512(_mm512_srai_epi32(x, 31), _mm512_set1_epi32(static_cast<int>(m - 1)));
-    __m512i const negative = _mm512_srai_epi32(_mm512_add_epi32(x, bias), Log2(m));
-    result = _mm512_mask_blend_epi32(_mm512_cmpgt_epi32_mask(x, _mm512_setzero_si512()), negative, result);
-  }
-  StoreNarrowed<TE, Tail>(trg, result, mask);
+  StoreNarrowed<TE, Tail>(trg, NarrowLanes<TE, SE>(x), mask);
 }
 
 // A table of 256 bytes, held in four registers and looked up 64 bytes at a time by two byte

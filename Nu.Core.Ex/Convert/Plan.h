@@ -92,8 +92,8 @@ enum class EValueKernel : std::uint8_t {
   Rule,        // the two steps in eight double lanes (floating sources into integer targets)
   Halve,       // the Halve form in 32-bit lanes (Int from UByte and UShort)
   Widen,       // the Scaled form widening: a x + floor(b x / Ls), the second term in 16-bit lanes
-  Narrow,      // the Scaled form narrowing: x >> (k - j), less one below a bound, in 32-bit lanes
-  Small,       // the Small form in 16-bit lanes
+  Narrow,      // 32-bit integers into 8/16-bit ones: x >> (k - j), less one below a bound, in 32-bit lanes
+  Small,       // between 8/16-bit integers in 16-bit lanes, narrowing by the same identity
   Single,      // Float into 8/16-bit integers in single-precision lanes
   Mersenne,    // the Mersenne form (Float, Double from Int, UInt; Double from 16 bits), one FMA a lane
   HalfUp,      // Float from Int: x rounded to single with ties up, times 2^-31, in single lanes
@@ -116,14 +116,17 @@ constexpr char const* ValueKernelName(EValueKernel kind) noexcept {
 }
 
 // The lanes of AVX-512 for a pair, by its form. Forms that the compiler vectorises well as they
-// stand (Multiple, Twice, Single, UInt to Int) and floating targets keep the loop; the Mersenne
-// form has lanes of its own for the fused multiply-add, which the loop's contraction-free
-// arithmetic may not use. Between Int and Float the rule's results have forms in single
-// precision (HalfUp, Ceiling), twice the lanes of double.
+// stand (Twice, Single, UInt to Int, Multiple but for its narrowing from UInt) and floating
+// targets keep the loop. Narrowing from UInt, the identity of the Narrow lanes costs less than the
+// loop's 32-bit quotient by a constant (from UShort the loop's 16-bit quotient costs less). The
+// Mersenne form has lanes of its own for the fused multiply-add, which the loop's
+// contraction-free arithmetic may not use. Between Int and Float the rule's results have forms in
+// single precision (HalfUp, Ceiling), twice the lanes of double.
 constexpr EValueKernel LanesOf(SDataInfo trg, SDataInfo src) noexcept {
   switch (ValueFormOf(trg, src)) {
     case EValueForm::Copy: return EValueKernel::None;
     case EValueForm::Halve: return src.Bytes <= 2 ? EValueKernel::Halve : EValueKernel::Loop;
+    case EValueForm::Multiple: return trg.Largest < src.Largest && src.Bytes == 4 ? EValueKernel::Narrow : EValueKernel::Loop;
     case EValueForm::Scaled: return trg.Bytes == 4 ? EValueKernel::Widen : EValueKernel::Narrow;
     case EValueForm::Small: return EValueKernel::Small;
     case EValueForm::Mersenne:
