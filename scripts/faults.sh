@@ -16,6 +16,7 @@ faults=(
   "overlap-missed@Nu.Core.Ex/Convert/Driver.cpp@s/(trgEnd <= srcBegin || srcEnd <= trgBegin)/(trgEnd != 0 || srcEnd <= trgBegin)/"
   "stream-tail@Nu.Core.Ex/Convert/Driver.cpp@s/std::memcpy(trg + i, src + i, bytes - i);/std::memcpy(trg + i, src + i, (bytes - i) \/ 2);/"
   "fetch-offset@Nu.Core.Ex/Convert/Driver.cpp@s/pair.Produce(level, p, n, static_cast<char\*>(trg) + p \* pixelBytes, src);/pair.Produce(level, 0, n, static_cast<char*>(trg) + p * pixelBytes, src);/"
+  "source-head@Nu.Core.Ex/Convert/Driver.cpp@s/if (first != 0) pair.Produce(level, 0, first, trg, src);/if (first != 0 \&\& large) pair.Produce(level, 0, first, trg, src);/"
   "bayer-gate-late@Nu.Core.Ex/NuImageConvert.cpp@s/srcFormat.PixelType != EPixelType::L)/srcFormat.PixelType != EPixelType::L \&\& trgFormat.DataType != 5128)/"
   "shortcut-bytes@Nu.Core.Ex/NuImageConvert.cpp@s/byteCount = trgFormat.GetByteCount();/byteCount = trgFormat.GetByteCount() \& ~63u;/"
   "custom-divisor@Nu.Core.Ex/NuImageConvert.cpp@s/divisor = 1023.0f;/divisor = 1024.0f;/"

@@ -19,6 +19,15 @@ NU_TARGET_Avx512 void StreamCopy(char* trg, unsigned char const* src, std::size_
   std::memcpy(trg + i, src + i, bytes - i);
 }
 
+// Where in `buffer` (a page longer than a block) a streaming block goes. The processor takes a
+// load whose address matches an earlier store's in the low 12 bits for one that depends on it,
+// and waits: the block's stores into the buffer and its loads of the source meet that way where
+// they run over the same page offsets. The block starts half a page from its source's offset.
+unsigned char* BlockBuffer(unsigned char* buffer, char const* from) noexcept {
+  std::uintptr_t const at = reinterpret_cast<std::uintptr_t>(from) + 2048 - reinterpret_cast<std::uintptr_t>(buffer);
+  return buffer + (at & 4032);
+}
+
 // Asks for the source lines from `requested` up to `end` bytes, a line at a time.
 void RequestSource(char const* source, std::size_t& requested, std::size_t end) noexcept {
   for (; requested < end; requested += 64) _mm_prefetch(source + requested, _MM_HINT_T0);
@@ -36,38 +45,46 @@ void ConvertApart(ELevel level, std::size_t count, void* trg, void const* src, S
   SRunPlan const plan =
       RunPlanOf(order, key.LoopOnly[static_cast<std::size_t>(level)], key.TrgPixelBytes, key.SrcPixelBytes, level);
   bool const large = plan.StreamFrom != 0 && count * pixelBytes >= plan.StreamFrom;
-  std::size_t first = 0;  // pixels before the first target line (64: no pixel starts one)
-  auto const offset = static_cast<std::size_t>(reinterpret_cast<std::uintptr_t>(trg) & 63);
-  while (large && first < 64 && (offset + first * pixelBytes) % 64 != 0) ++first;
+  // The pixels before the first line of the target where it streams, else of the source where the
+  // plan says so (64: no pixel starts one). They go first, so that the steps that follow meet
+  // whole lines on that side.
+  std::size_t first = 0;
+  std::size_t const step = large ? pixelBytes : key.SrcPixelBytes;
+  auto const offset = static_cast<std::size_t>(reinterpret_cast<std::uintptr_t>(large ? trg : src) & 63);
+  while (first < 64 && (offset + first * step) % 64 != 0) ++first;
+  bool const streams = large && first < 64;
+  if (first == 64 || first > count || (!large && !plan.AlignSource)) first = 0;
+  if (first != 0) pair.Produce(level, 0, first, trg, src);
   auto const* source = static_cast<char const*>(src);
   std::size_t const srcBytes = count * key.SrcPixelBytes;
   std::size_t requested = 0;  // source bytes asked for
-  if (large && first < 64) {
+  if (streams) {
     // Blocks of whole lines go through a buffer and on to memory past the caches, each after the
     // requests for its source where the plan asks for them.
-    pair.Produce(level, 0, first, trg, src);
-    alignas(64) unsigned char out[StreamBlock * MaxPixelBytes];
+    alignas(64) unsigned char buffer[StreamBlock * MaxPixelBytes + 4096];
     std::size_t const block = plan.StreamPixels;
     bool const fetch = plan.FetchWhileStreaming && srcBytes >= plan.FetchFrom;
     for (std::size_t p = first; p < count; p += block) {
       std::size_t const n = count - p < block ? count - p : block;
       if (fetch) RequestSource(source, requested, std::min(srcBytes, (p + n) * key.SrcPixelBytes + plan.FetchAhead));
+      unsigned char* const out = BlockBuffer(buffer, source + p * key.SrcPixelBytes);
       pair.Produce(level, p, n, out, src);
       StreamCopy(static_cast<char*>(trg) + p * pixelBytes, out, n * pixelBytes);
     }
     _mm_sfence();
-  } else if (plan.FetchFrom != 0 && srcBytes >= plan.FetchFrom) {
+    return;
+  }
+  if (plan.FetchFrom != 0 && srcBytes >= plan.FetchFrom) {
     // Short steps, each after a request for the source lines a few steps ahead.
-    for (std::size_t p = 0; p < count; p += plan.FetchPixels) {
+    for (std::size_t p = first; p < count; p += plan.FetchPixels) {
       std::size_t const n = count - p < plan.FetchPixels ? count - p : plan.FetchPixels;
       RequestSource(source, requested, std::min(srcBytes, (p + n) * key.SrcPixelBytes + plan.FetchAhead));
       pair.Produce(level, p, n, static_cast<char*>(trg) + p * pixelBytes, src);
     }
-    if (order == EOrder::LumAShift) pair.AlphaPass(level, count, trg, src);
   } else {
-    pair.Produce(level, 0, count, trg, src);
-    if (order == EOrder::LumAShift) pair.AlphaPass(level, count, trg, src);
+    pair.Produce(level, first, count - first, static_cast<char*>(trg) + first * pixelBytes, src);
   }
+  if (order == EOrder::LumAShift) pair.AlphaPass(level, count, trg, src);
 }
 
 }  // namespace

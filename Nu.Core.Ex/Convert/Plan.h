@@ -323,6 +323,7 @@ struct SRunPlan {
   std::size_t FetchPixels = 0;
   std::size_t FetchAhead = 0;
   bool FetchWhileStreaming = false;
+  bool AlignSource = false;  // runs that do not stream start with the pixels before a source line
 };
 inline constexpr std::size_t StreamBlock = 512;  // whole 64-byte lines of any pixel size
 
@@ -334,11 +335,16 @@ constexpr std::size_t Multiple64(std::size_t pixels) noexcept {
 // The moves alone stream wide pixels best in short bursts of about 1 KiB. The LumA rule writes
 // each target line twice and keeps its lines in the caches. The compiler's loop alone halving
 // the element (LoopOnly) keeps pace with memory with plain stores and the hardware's own
-// prefetching; at AVX-512 the buffer and the requests only slow it there.
+// prefetching; at AVX-512 the buffer and the requests only slow it there. At AVX-512, a load of
+// a whole register across two source lines costs the most where the source comes from beyond
+// L2, so runs whose source pixels are at least as wide as the target's start at a source line
+// (their first pixels before it go alone); widening runs lose by it.
 constexpr SRunPlan RunPlanOf(EOrder order, bool loopOnly, std::size_t trgPixelBytes, std::size_t srcPixelBytes,
                              ELevel level) noexcept {
   SRunPlan plan;
-  if (order == EOrder::Copy || (loopOnly && level >= ELevel::Avx512)) return plan;
+  if (order == EOrder::Copy) return plan;
+  plan.AlignSource = level >= ELevel::Avx512 && srcPixelBytes >= trgPixelBytes;
+  if (loopOnly && level >= ELevel::Avx512) return plan;
   if (level >= ELevel::Avx512 && order != EOrder::LumAShift) {
     plan.StreamFrom = std::size_t{16} << 20;
     std::size_t const burst = Multiple64(1024 / trgPixelBytes);

@@ -26,7 +26,7 @@ inline std::string Bytes(std::size_t bytes) {
 }
 
 // "BGR/Float <- RGBA/UByte   avx512vbmi  moves-first   values loop@avx512      moves permute@avx512vbmi
-//  block 256   stream >=16MiB by 512  fetch >=8MiB by 64 ahead 4096B"
+//  block 256   start source stream >=16MiB by 512  fetch >=8MiB by 64 ahead 4096B"
 inline std::string PlanLine(int trgPixel, int trgData, int srcPixel, int srcData, ELevel level) {
   SPlan const plan = PlanOf(PairKeyOf(trgPixel, trgData, srcPixel, srcData), level);
   auto kernel = [](char const* name, ELevel at) {
@@ -41,11 +41,12 @@ inline std::string PlanLine(int trgPixel, int trgData, int srcPixel, int srcData
                                                           Bytes(plan.Run.FetchAhead) +
                                                           (plan.Run.FetchWhileStreaming ? ", streaming too" : "");
   char line[256];
-  std::snprintf(line, sizeof line, "%-25s %-11s %-13s values %-21s moves %-23s block %-5zu stream %-16s fetch %s",
+  std::snprintf(line, sizeof line,
+                "%-25s %-11s %-13s values %-21s moves %-23s block %-5zu start %-6s stream %-16s fetch %s",
                 (FormatName(trgPixel, trgData) + " <- " + FormatName(srcPixel, srcData)).c_str(), LevelName(level),
                 OrderName(plan.Order), kernel(ValueKernelName(plan.Values.Kind), plan.Values.At).c_str(),
-                kernel(MoveKernelName(plan.Moves.Kind), plan.Moves.At).c_str(), plan.Block, stream.c_str(),
-                fetch.c_str());
+                kernel(MoveKernelName(plan.Moves.Kind), plan.Moves.At).c_str(), plan.Block,
+                plan.Run.AlignSource ? "source" : "any", stream.c_str(), fetch.c_str());
   return line;
 }
 

@@ -96,8 +96,9 @@ std::vector<std::string> PlanLines() {
   std::vector<std::string> lines = {
       "# The plan of every pair at every level (Nu.Core.Ex/Convert/Plan.h): order, value kernel and",
       "# move kernel with the level their code is compiled for, pixels per step through the L1",
-      "# buffer, and from what size the target streams and the source is fetched ahead (in the",
-      "# streaming blocks as well where it says so). Bayer formats plan as Lum. Runs under " + std::to_string(FusedFrom) + " pixels,",
+      "# buffer, whether a run that does not stream starts at a source line, and from what size",
+      "# the target streams and the source is fetched ahead (in the streaming blocks as well",
+      "# where it says so). Bayer formats plan as Lum. Runs under " + std::to_string(FusedFrom) + " pixels,",
       "# and runs that overlap, take the forward passes.",
       "# Written by tests/Nu.Core.Ex/Convert/ConvertLevelsTest.cpp; do not edit by hand."};
   for (SFormatIds const& trg : AllFormats)
