@@ -544,16 +544,19 @@ NU_LANES_ void ConvertMersenneLanes(TE* trg, SE const* src, __mmask16 mask) noex
 // rounded to nearest is twice x rounded with ties up: it is odd, so never a tie itself, and lies
 // above twice a midpoint exactly where x lies on or above it. Zero and below, the rule's double
 // is y exactly, which the conversion of x rounds as the double's conversion does.
-template <bool Tail>
-NU_LANES_ void ConvertHalfUpLanes(float* trg, int const* src, __mmask16 mask) noexcept {
+NU_LANES_ __m512 HalfUpLanes(__m512i x) noexcept {
   constexpr int lastTie = 0x7FFFFFBF;  // 2^31 - 65
-  __m512i const x = Held(Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src));
   __m512 const near = _mm512_mul_ps(_mm512_cvtepi32_ps(x), _mm512_set1_ps(0x1p-31f));
   __m512i const moved = _mm512_mask_add_epi32(x, _mm512_cmpeq_epi32_mask(x, _mm512_set1_epi32(lastTie)), x,
                                               _mm512_set1_epi32(1));
   __m512i const odd = _mm512_or_si512(_mm512_add_epi32(moved, moved), _mm512_set1_epi32(1));
   __m512 const up = _mm512_mul_ps(_mm512_cvtepu32_ps(odd), _mm512_set1_ps(0x1p-32f));
-  __m512 const v = _mm512_mask_blend_ps(_mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(1 << 24)), near, up);
+  return _mm512_mask_blend_ps(_mm512_cmpge_epi32_mask(x, _mm512_set1_epi32(1 << 24)), near, up);
+}
+
+template <bool Tail>
+NU_LANES_ void ConvertHalfUpLanes(float* trg, int const* src, __mmask16 mask) noexcept {
+  __m512 const v = HalfUpLanes(Held(Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src)));
   Tail ? _mm512_mask_storeu_ps(trg, mask, v) : _mm512_storeu_ps(trg, v);
 }
 
@@ -569,19 +572,22 @@ NU_LANES_ void ConvertHalfUpLanes(float* trg, int const* src, __mmask16 mask) no
 // indefinite integer is the rule's INT_MIN; from 1 up the ceiling's conversion overflows to
 // INT_MIN too, whose wrapped predecessor is the clamp's INT_MAX. (UInt needs clamps of its own
 // on both sides, and keeps the double lanes.)
-template <bool Tail>
-NU_LANES_ void ConvertCeilingLanes(int* trg, float const* src, __mmask16 mask) noexcept {
-  __m512 const x = Held(Tail ? _mm512_maskz_loadu_ps(mask, src) : _mm512_loadu_ps(src));
+NU_LANES_ __m512i CeilingLanes(__m512 x) noexcept {
   __m512i const ceiling = _mm512_cvt_roundps_epi32(_mm512_mul_ps(x, _mm512_set1_ps(0x1p31f)),
                                                    _MM_FROUND_TO_POS_INF | _MM_FROUND_NO_EXC);
   __mmask16 const positive = _mm512_cmp_ps_mask(x, _mm512_setzero_ps(), _CMP_GT_OQ);
-  __m512i const v = _mm512_mask_sub_epi32(ceiling, positive, ceiling, _mm512_set1_epi32(1));
+  return _mm512_mask_sub_epi32(ceiling, positive, ceiling, _mm512_set1_epi32(1));
+}
+template <bool Tail>
+NU_LANES_ void ConvertCeilingLanes(int* trg, float const* src, __mmask16 mask) noexcept {
+  __m512i const v = CeilingLanes(Held(Tail ? _mm512_maskz_loadu_ps(mask, src) : _mm512_loadu_ps(src)));
   Tail ? _mm512_mask_storeu_epi32(trg, mask, v) : _mm512_storeu_si512(trg, v);
 }
 
 // ---- between Int, UInt and Float: sixteen 32-bit lanes in, sixteen out --------------------
 // The register form of the rule for the mapped layout moves. Between the integer types the
-// closed forms of ConvertChannelValue; otherwise the rule in double, eight lanes at a time.
+// closed forms of ConvertChannelValue, between Int and Float the single-precision forms above;
+// otherwise the rule in double, eight lanes at a time.
 template <class SE>
 NU_LANES_ __m512d WidenHalf(__m256i half) noexcept {
   if constexpr (std::is_same_v<SE, int>) return _mm512_cvtepi32_pd(half);
@@ -610,6 +616,10 @@ NU_LANES_ __m512i Lanes32(__m512i x) noexcept {
     __m512i const twice = _mm512_add_epi32(x, x);
     __m512i const result = _mm512_mask_add_epi32(twice, carry, twice, one);
     return _mm512_maskz_mov_epi32(_mm512_cmpgt_epi32_mask(x, zero), result);
+  } else if constexpr (std::is_same_v<TE, float> && std::is_same_v<SE, int>) {
+    return _mm512_castps_si512(HalfUpLanes(x));
+  } else if constexpr (std::is_same_v<TE, int> && std::is_same_v<SE, float>) {
+    return CeilingLanes(_mm512_castsi512_ps(x));
   } else {
     __m256i const low = RuleHalf<TE, SE>(_mm512_castsi512_si256(x));
     __m256i const high = RuleHalf<TE, SE>(_mm512_extracti64x4_epi64(x, 1));

@@ -332,7 +332,9 @@ constexpr std::size_t Multiple64(std::size_t pixels) noexcept {
   return whole < 64 ? 64 : whole;
 }
 
-// The moves alone stream wide pixels best in short bursts of about 1 KiB. The LumA rule writes
+// The moves alone stream wide pixels best in short bursts of about 1 KiB, and the mapped permutes
+// into pixels of three or four 32-bit elements in half blocks (their single-precision lanes are
+// quick enough that whole blocks of them lose to the plain lanes there). The LumA rule writes
 // each target line twice and keeps its lines in the caches. The compiler's loop alone halving
 // the element (LoopOnly) keeps pace with memory with plain stores and the hardware's own
 // prefetching; at AVX-512 the buffer and the requests only slow it there. At AVX-512, a load of
@@ -348,7 +350,10 @@ constexpr SRunPlan RunPlanOf(EOrder order, bool loopOnly, std::size_t trgPixelBy
   if (level >= ELevel::Avx512 && order != EOrder::LumAShift) {
     plan.StreamFrom = std::size_t{16} << 20;
     std::size_t const burst = Multiple64(1024 / trgPixelBytes);
-    plan.StreamPixels = order == EOrder::Moves ? (burst > StreamBlock ? StreamBlock : burst) : StreamBlock;
+    if (order == EOrder::Moves)
+      plan.StreamPixels = burst > StreamBlock ? StreamBlock : burst;
+    else
+      plan.StreamPixels = order == EOrder::Mapped && trgPixelBytes >= 12 ? StreamBlock / 2 : StreamBlock;
   }
   plan.FetchFrom = std::size_t{8} << 20;
   plan.FetchPixels = Multiple64(1024 / srcPixelBytes);
