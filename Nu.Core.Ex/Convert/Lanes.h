@@ -226,9 +226,9 @@ NU_LANES_ __m512i NarrowSmallLanes(__m512i x) noexcept {
   return signedSource && !signedTarget ? _mm512_max_epi16(result, _mm512_setzero_si512()) : result;
 }
 
-// 32 elements: zero and below as ConvertChannelValue (0 into an unsigned target, otherwise x
-// times the power of two Mt / Ms, truncated toward zero: a shift, with the bias that rounds a
-// negative quotient up).
+// 32 elements: narrowing as NarrowSmallLanes; widening by ScaleFloorLanes, zero and below as
+// ConvertChannelValue (0 into an unsigned target, otherwise x times the power of two Mt / Ms, a
+// shift).
 template <class TE, class SE>
 NU_LANES_ __m512i SmallLanes(__m512i x) noexcept {
   using Trg = TDataTraits<TE>;
