@@ -334,7 +334,8 @@ constexpr std::size_t Multiple64(std::size_t pixels) noexcept {
 
 // The moves alone stream wide pixels best in short bursts of about 1 KiB, and the mapped permutes
 // into pixels of three or four 32-bit elements in half blocks (their single-precision lanes are
-// quick enough that whole blocks of them lose to the plain lanes there). The LumA rule writes
+// quick enough that whole blocks of them lose to the plain lanes there); out of such pixels into
+// one 32-bit element they do best not streaming at all, from a source line. The LumA rule writes
 // each target line twice and keeps its lines in the caches. The compiler's loop alone halving
 // the element (LoopOnly) keeps pace with memory with plain stores and the hardware's own
 // prefetching; at AVX-512 the buffer and the requests only slow it there. At AVX-512, a load of
@@ -347,7 +348,8 @@ constexpr SRunPlan RunPlanOf(EOrder order, bool loopOnly, std::size_t trgPixelBy
   if (order == EOrder::Copy) return plan;
   plan.AlignSource = level >= ELevel::Avx512 && srcPixelBytes >= trgPixelBytes;
   if (loopOnly && level >= ELevel::Avx512) return plan;
-  if (level >= ELevel::Avx512 && order != EOrder::LumAShift) {
+  bool const mappedToOne = order == EOrder::Mapped && trgPixelBytes == 4 && srcPixelBytes >= 12;
+  if (level >= ELevel::Avx512 && order != EOrder::LumAShift && !mappedToOne) {
     plan.StreamFrom = std::size_t{16} << 20;
     std::size_t const burst = Multiple64(1024 / trgPixelBytes);
     if (order == EOrder::Moves)
