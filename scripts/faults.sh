@@ -34,6 +34,7 @@ faults=(
   "narrow-bound@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_cmplt_epu32_mask(scaledRest, excess)/_mm512_cmple_epu32_mask(scaledRest, excess)/"
   "ceiling-step@Nu.Core.Ex/Convert/Lanes.h@s/ceiling, positive, ceiling, _mm512_set1_epi32(1))/ceiling, positive, ceiling, _mm512_set1_epi32(0))/"
   "small-bias@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_mask_add_epi16(x, _mm512_movepi16_mask(x), x, Set16((1u << s) - 1))/x/"
+  "divide-negative@Nu.Core.Ex/Convert/Lanes.h@s|_mm512_set1_ps(static_cast<float>(Src::NegativeScale)));|_mm512_set1_ps(1.0f / static_cast<float>(Src::Largest)));|"
   # Around the engine.
   "array-bound@Nu.Core.Ex/NuArrayBase.h@s/if (index >= Length()) NU_RAISE/if (index > Length()) NU_RAISE/"
   "array-growth@Nu.Core.Ex/NuContainerGrowth.h@s/capacity = size + std::max(size, length - size);/capacity = length;/"

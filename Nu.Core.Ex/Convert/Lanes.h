@@ -627,6 +627,29 @@ NU_LANES_ __m512i Lanes32(__m512i x) noexcept {
   }
 }
 
+// Float from the signed 8- and 16-bit integers (the Single form), 16 elements: the loop's own
+// arithmetic, x / L in single precision and the exact power of two at zero and below, but each
+// source line read once (the loop reads it as a whole register and again as a half-register
+// operand) and one masked operation.
+template <class SE, bool Tail>
+NU_LANES_ void ConvertDivideLanes(float* trg, SE const* src, __mmask16 mask) noexcept {
+  using Src = TDataTraits<SE>;
+  __m512i x;
+  if constexpr (sizeof(SE) == 1) {
+    __m128i const b = Tail ? _mm_maskz_loadu_epi8(mask, src) : _mm_loadu_si128(reinterpret_cast<__m128i const*>(src));
+    x = std::is_signed_v<SE> ? _mm512_cvtepi8_epi32(b) : _mm512_cvtepu8_epi32(b);
+  } else {
+    __m256i const w = Tail ? _mm256_maskz_loadu_epi16(mask, src) : _mm256_loadu_si256(reinterpret_cast<__m256i const*>(src));
+    x = std::is_signed_v<SE> ? _mm512_cvtepi16_epi32(w) : _mm512_cvtepu16_epi32(w);
+  }
+  __m512 const f = _mm512_cvtepi32_ps(x);
+  __m512 v = _mm512_div_ps(f, _mm512_set1_ps(static_cast<float>(Src::Largest)));
+  if constexpr (std::is_signed_v<SE>)
+    v = _mm512_mask_mul_ps(v, _mm512_cmplt_epi32_mask(x, _mm512_set1_epi32(1)), f,
+                           _mm512_set1_ps(static_cast<float>(Src::NegativeScale)));
+  Tail ? _mm512_mask_storeu_ps(trg, mask, v) : _mm512_storeu_ps(trg, v);
+}
+
 // Eight elements of a Repeat pair.
 template <class SE, bool Tail>
 NU_LANES_ void ConvertRepeatLanes(double* trg, SE const* src, __mmask8 mask) noexcept {
@@ -648,6 +671,9 @@ NU_TARGET_Avx512 NU_NOCLONE void ConvertLanes(std::size_t n, TE* trg, SE const* 
   if constexpr (K == EValueKernel::Single) {
     for (; i + 16 <= n; i += 16) ConvertSingleLanes<TE, false>(trg + i, src + i, 0xFFFF);
     if (i < n) ConvertSingleLanes<TE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
+  } else if constexpr (K == EValueKernel::Divide) {
+    for (; i + 16 <= n; i += 16) ConvertDivideLanes<SE, false>(trg + i, src + i, 0xFFFF);
+    if (i < n) ConvertDivideLanes<SE, true>(trg + i, src + i, static_cast<__mmask16>((1u << (n - i)) - 1));
   } else if constexpr (K == EValueKernel::Repeat) {
     for (; i + 8 <= n; i += 8) ConvertRepeatLanes<SE, false>(trg + i, src + i, 0xFF);
     if (i < n) ConvertRepeatLanes<SE, true>(trg + i, src + i, static_cast<__mmask8>((1u << (n - i)) - 1));

@@ -98,6 +98,7 @@ enum class EValueKernel : std::uint8_t {
   Mersenne,    // the Mersenne form (Float, Double from Int, UInt; Double from 16 bits), one FMA a lane
   HalfUp,      // Float from Int: x rounded to single with ties up, times 2^-31, in single lanes
   Ceiling,     // Int from Float: ceil(x 2^31), less one above zero, in single lanes
+  Divide,      // the Single form from signed types in single lanes, each source line read once
   Repeat,      // Double from the byte types by their repeated bits
   ByteTable,   // between the byte types: a 256-byte table of the rule's results
   WidenBytes,  // Widen from the byte types, the second term from a 256-byte table
@@ -111,17 +112,19 @@ struct SValueKernel {
 constexpr char const* ValueKernelName(EValueKernel kind) noexcept {
   constexpr char const* names[] = {"none",     "loop",    "rule",   "halve",     "widen",
                                    "narrow",   "small",   "single", "mersenne",  "halfup",
-                                   "ceiling",  "repeat",  "bytetable", "widenbytes", "mapped"};
+                                   "ceiling",  "divide",  "repeat", "bytetable", "widenbytes", "mapped"};
   return names[static_cast<int>(kind)];
 }
 
 // The lanes of AVX-512 for a pair, by its form. Forms that the compiler vectorises well as they
-// stand (Twice, Single, UInt to Int, Multiple but for its narrowing from UInt) and floating
-// targets keep the loop. Narrowing from UInt, the identity of the Narrow lanes costs less than the
-// loop's 32-bit quotient by a constant (from UShort the loop's 16-bit quotient costs less). The
-// Mersenne form has lanes of its own for the fused multiply-add, which the loop's
-// contraction-free arithmetic may not use. Between Int and Float the rule's results have forms in
-// single precision (HalfUp, Ceiling), twice the lanes of double.
+// stand (Twice, UInt to Int, Single from unsigned types, Multiple but for its narrowing from
+// UInt) and floating targets keep the loop. From signed types the loop's two masked operations
+// and second read of each source line make the Single form's lanes (Divide) worth it. Narrowing
+// from UInt, the identity of the Narrow lanes costs less than the loop's 32-bit quotient by a
+// constant (from UShort the loop's 16-bit quotient costs less). The Mersenne form has lanes of
+// its own for the fused multiply-add, which the loop's contraction-free arithmetic may not use.
+// Between Int and Float the rule's results have forms in single precision (HalfUp, Ceiling),
+// twice the lanes of double.
 constexpr EValueKernel LanesOf(SDataInfo trg, SDataInfo src) noexcept {
   switch (ValueFormOf(trg, src)) {
     case EValueForm::Copy: return EValueKernel::None;
@@ -129,6 +132,7 @@ constexpr EValueKernel LanesOf(SDataInfo trg, SDataInfo src) noexcept {
     case EValueForm::Multiple: return trg.Largest < src.Largest && src.Bytes == 4 ? EValueKernel::Narrow : EValueKernel::Loop;
     case EValueForm::Scaled: return trg.Bytes == 4 ? EValueKernel::Widen : EValueKernel::Narrow;
     case EValueForm::Small: return EValueKernel::Small;
+    case EValueForm::Single: return src.IsSigned ? EValueKernel::Divide : EValueKernel::Loop;
     case EValueForm::Mersenne:
       if (trg.Id == EDataType::Float && src.Id == EDataType::Int) return EValueKernel::HalfUp;
       return EValueKernel::Mersenne;
