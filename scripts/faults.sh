@@ -31,9 +31,9 @@ faults=(
   "mersenne-unit@Nu.Core.Ex/Convert/ValueRule.h@s/(x >= sticky ? 1.0 : 0.0)/(x >= sticky ? 0.0 : 0.0)/"
   "mersenne-lanes@Nu.Core.Ex/Convert/Lanes.h@s/double scale = wide ? unit + Pow2(-2 \\* k) :/double scale = wide ? unit :/"
   "permute-register@Nu.Core.Ex/Convert/Moves.h@s/Span > Lanes ? 2 : 1/Span > 2 * Lanes ? 2 : 1/"
-  "narrow-bound@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_cmplt_epu32_mask(scaledRest, excess)/_mm512_cmple_epu32_mask(scaledRest, excess)/"
+  "narrow-bound@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_cmplt_epu32_mask(left, right)/_mm512_cmple_epu32_mask(left, right)/"
   "ceiling-step@Nu.Core.Ex/Convert/Lanes.h@s/ceiling, positive, ceiling, _mm512_set1_epi32(1))/ceiling, positive, ceiling, _mm512_set1_epi32(0))/"
-  "small-bias@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_mask_add_epi16(x, _mm512_movepi16_mask(x), x, Set16((1u << s) - 1))/x/"
+  "small-bias@Nu.Core.Ex/Convert/Lanes.h@s/_mm512_mask_add_epi16(x, _mm512_movepi16_mask(x), x, v)/_mm512_mask_add_epi16(x, _mm512_movepi16_mask(x), x, _mm512_andnot_si512(v, v))/"
   "divide-negative@Nu.Core.Ex/Convert/Lanes.h@s|_mm512_set1_ps(static_cast<float>(Src::NegativeScale)));|_mm512_set1_ps(1.0f / static_cast<float>(Src::Largest)));|"
   # Around the engine.
   "array-bound@Nu.Core.Ex/NuArrayBase.h@s/if (index >= Length()) NU_RAISE/if (index > Length()) NU_RAISE/"

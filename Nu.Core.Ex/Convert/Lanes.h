@@ -202,31 +202,78 @@ NU_LANES_ __m512i LoadSmallLanes(SE const* src, __mmask32 mask) noexcept {
   }
 }
 
-// Narrowing, 32 elements: the 2^n - 1 identity of NarrowLanes (the proof is there) in 16-bit
-// lanes, for Lt = 2^j - 1 and Ls = 2^k - 1, zero and below sharing the shift.
-template <class TE, class SE>
-NU_LANES_ __m512i NarrowSmallLanes(__m512i x) noexcept {
-  constexpr auto lt = static_cast<std::uint32_t>(TDataTraits<TE>::Largest);
-  constexpr auto ls = static_cast<std::uint32_t>(TDataTraits<SE>::Largest);
-  constexpr unsigned int j = Log2(lt + 1), k = Log2(ls + 1), s = k - j;
-  static_assert(lt == (1u << j) - 1 && ls == (1u << k) - 1 && j < k);
+// Narrowing between integer types. Both largest values are of the form 2^n - 1: Lt = 2^j - 1
+// and Ls = 2^k - 1, j < k. With x = a 2^(k - j) + r (0 <= r < 2^(k - j)), x Lt = a Ls + e with
+// e = a + r 2^j - x = r (2^j - 1) - a (2^(k - j) - 1), so -Ls < e < Ls and the floor of x Lt / Ls
+// is a, less one where e < 0, that is where r 2^j < x - a: three shifts, a subtraction and a
+// comparison, every term within the lane. Zero and below share the shift: into a signed target
+// the rule gives x / 2^(k - j) truncated toward zero (the bias below zero rounds the shift up),
+// and there x - a <= 0 keeps the comparison false; into an unsigned target the shift is
+// negative and the maximum with 0 answers. In 16-bit lanes for the 8/16-bit pairs (the Small
+// kernel), in 32-bit lanes from Int and UInt (the Narrow kernel); TLanes holds the operations.
+template <std::size_t Bits>
+struct TLanes;
+template <>
+struct TLanes<16> {
+  static NU_LANES_ __m512i Set(std::uint32_t v) noexcept { return _mm512_set1_epi16(static_cast<short>(v)); }
+  template <unsigned int S, bool Arithmetic>
+  static NU_LANES_ __m512i ShiftRight(__m512i x) noexcept {
+    return Arithmetic ? _mm512_srai_epi16(x, S) : _mm512_srli_epi16(x, S);
+  }
+  template <unsigned int S>
+  static NU_LANES_ __m512i ShiftLeft(__m512i x) noexcept { return _mm512_slli_epi16(x, S); }
+  static NU_LANES_ __m512i AddBelowZero(__m512i x, __m512i v) noexcept {
+    return _mm512_mask_add_epi16(x, _mm512_movepi16_mask(x), x, v);
+  }
+  static NU_LANES_ __m512i Sub(__m512i a, __m512i b) noexcept { return _mm512_sub_epi16(a, b); }
+  template <bool Signed>
+  static NU_LANES_ __m512i LessOneWhereBelow(__m512i a, __m512i left, __m512i right) noexcept {
+    __mmask32 const below = Signed ? _mm512_cmplt_epi16_mask(left, right) : _mm512_cmplt_epu16_mask(left, right);
+    return _mm512_mask_sub_epi16(a, below, a, Set(1));
+  }
+  static NU_LANES_ __m512i AtLeastZero(__m512i x) noexcept { return _mm512_max_epi16(x, _mm512_setzero_si512()); }
+};
+template <>
+struct TLanes<32> {
+  static NU_LANES_ __m512i Set(std::uint32_t v) noexcept { return _mm512_set1_epi32(static_cast<int>(v)); }
+  template <unsigned int S, bool Arithmetic>
+  static NU_LANES_ __m512i ShiftRight(__m512i x) noexcept {
+    return Arithmetic ? _mm512_srai_epi32(x, S) : _mm512_srli_epi32(x, S);
+  }
+  template <unsigned int S>
+  static NU_LANES_ __m512i ShiftLeft(__m512i x) noexcept { return _mm512_slli_epi32(x, S); }
+  static NU_LANES_ __m512i AddBelowZero(__m512i x, __m512i v) noexcept {
+    return _mm512_mask_add_epi32(x, _mm512_movepi32_mask(x), x, v);
+  }
+  static NU_LANES_ __m512i Sub(__m512i a, __m512i b) noexcept { return _mm512_sub_epi32(a, b); }
+  template <bool Signed>
+  static NU_LANES_ __m512i LessOneWhereBelow(__m512i a, __m512i left, __m512i right) noexcept {
+    __mmask16 const below = Signed ? _mm512_cmplt_epi32_mask(left, right) : _mm512_cmplt_epu32_mask(left, right);
+    return _mm512_mask_sub_epi32(a, below, a, Set(1));
+  }
+  static NU_LANES_ __m512i AtLeastZero(__m512i x) noexcept { return _mm512_max_epi32(x, _mm512_setzero_si512()); }
+};
+
+template <class TE, class SE, std::size_t Bits>
+NU_LANES_ __m512i NarrowLanes(__m512i x) noexcept {
+  using L = TLanes<Bits>;
   constexpr bool signedSource = std::is_signed_v<SE>, signedTarget = std::is_signed_v<TE>;
+  constexpr unsigned int k = 8 * sizeof(SE) - (signedSource ? 1 : 0), j = 8 * sizeof(TE) - (signedTarget ? 1 : 0);
+  constexpr unsigned int s = k - j;
+  static_assert(TDataTraits<SE>::Largest == static_cast<double>((std::uint64_t{1} << k) - 1) &&
+                TDataTraits<TE>::Largest == static_cast<double>((std::uint64_t{1} << j) - 1) && j < k && k <= Bits);
+  __m512i const rest = L::Set((1u << s) - 1);
   __m512i a;
   if constexpr (signedSource && signedTarget)
-    a = _mm512_srai_epi16(_mm512_mask_add_epi16(x, _mm512_movepi16_mask(x), x, Set16((1u << s) - 1)), s);
-  else if constexpr (signedSource)
-    a = _mm512_srai_epi16(x, s);
+    a = L::template ShiftRight<s, true>(L::AddBelowZero(x, rest));
   else
-    a = _mm512_srli_epi16(x, s);
-  __m512i const scaledRest = _mm512_slli_epi16(_mm512_and_si512(x, Set16((1u << s) - 1)), j);
-  __m512i const excess = _mm512_sub_epi16(x, a);
-  __mmask32 const below = signedSource ? _mm512_cmplt_epi16_mask(scaledRest, excess)
-                                       : _mm512_cmplt_epu16_mask(scaledRest, excess);
-  __m512i const result = _mm512_mask_sub_epi16(a, below, a, Set16(1));
-  return signedSource && !signedTarget ? _mm512_max_epi16(result, _mm512_setzero_si512()) : result;
+    a = L::template ShiftRight<s, signedSource>(x);
+  __m512i const scaledRest = L::template ShiftLeft<j>(_mm512_and_si512(x, rest));
+  __m512i const result = L::template LessOneWhereBelow<signedSource>(a, scaledRest, L::Sub(x, a));
+  return signedSource && !signedTarget ? L::AtLeastZero(result) : result;
 }
 
-// 32 elements: narrowing as NarrowSmallLanes; widening by ScaleFloorLanes, zero and below as
+// 32 elements: narrowing as NarrowLanes; widening by ScaleFloorLanes, zero and below as
 // ConvertChannelValue (0 into an unsigned target, otherwise x times the power of two Mt / Ms, a
 // shift).
 template <class TE, class SE>
@@ -234,7 +281,7 @@ NU_LANES_ __m512i SmallLanes(__m512i x) noexcept {
   using Trg = TDataTraits<TE>;
   using Src = TDataTraits<SE>;
   if constexpr (Trg::Largest < Src::Largest) {
-    return NarrowSmallLanes<TE, SE>(x);
+    return NarrowLanes<TE, SE, 16>(x);
   } else {
     __m512i result =
         ScaleFloorLanes<static_cast<std::uint32_t>(Trg::Largest), static_cast<std::uint32_t>(Src::Largest)>(x);
@@ -334,41 +381,10 @@ NU_LANES_ void ConvertHalveLanes(int* trg, SE const* src, __mmask16 mask) noexce
   Tail ? _mm512_mask_storeu_epi32(trg, mask, result) : _mm512_storeu_si512(trg, result);
 }
 
-// Narrowing, 16 elements. Both largest values are of the form 2^n - 1: Lt = 2^j - 1 and
-// Ls = 2^k - 1, j < k. With x = a 2^(k - j) + r (0 <= r < 2^(k - j)), x Lt = a Ls + e with
-// e = a + r 2^j - x = r (2^j - 1) - a (2^(k - j) - 1), so -Ls < e < Ls and the floor of x Lt / Ls
-// is a, less one where e < 0, that is where r 2^j < x - a: three shifts, a subtraction and a
-// comparison, every term within the lane. Zero and below share the shift: into a signed target
-// the rule gives x / 2^(k - j) truncated toward zero (the bias below zero rounds the shift up),
-// and there x - a <= 0 keeps the comparison false; into an unsigned target the shift is
-// negative and the maximum with 0 answers. NarrowSmallLanes is the same in 16-bit lanes.
-template <class TE, class SE>
-NU_LANES_ __m512i NarrowLanes(__m512i x) noexcept {
-  constexpr unsigned int k = std::is_signed_v<SE> ? 31 : 32;
-  constexpr unsigned int j = Log2(static_cast<std::uint32_t>(TDataTraits<TE>::Largest) + 1), s = k - j;
-  static_assert(TDataTraits<SE>::Largest == static_cast<double>((std::uint64_t{1} << k) - 1) &&
-                TDataTraits<TE>::Largest == static_cast<double>((std::uint32_t{1} << j) - 1));
-  constexpr bool signedSource = std::is_signed_v<SE>, signedTarget = std::is_signed_v<TE>;
-  __m512i const rest = _mm512_set1_epi32(static_cast<int>((std::uint32_t{1} << s) - 1));
-  __m512i a;
-  if constexpr (signedSource && signedTarget)
-    a = _mm512_srai_epi32(_mm512_mask_add_epi32(x, _mm512_movepi32_mask(x), x, rest), s);
-  else if constexpr (signedSource)
-    a = _mm512_srai_epi32(x, s);
-  else
-    a = _mm512_srli_epi32(x, s);
-  __m512i const scaledRest = _mm512_slli_epi32(_mm512_and_si512(x, rest), j);
-  __m512i const excess = _mm512_sub_epi32(x, a);
-  __mmask16 const below = signedSource ? _mm512_cmplt_epi32_mask(scaledRest, excess)
-                                       : _mm512_cmplt_epu32_mask(scaledRest, excess);
-  __m512i const result = _mm512_mask_sub_epi32(a, below, a, _mm512_set1_epi32(1));
-  return signedSource && !signedTarget ? _mm512_max_epi32(result, _mm512_setzero_si512()) : result;
-}
-
 template <class TE, class SE, bool Tail>
 NU_LANES_ void ConvertNarrowLanes(TE* trg, SE const* src, __mmask16 mask) noexcept {
   __m512i const x = Held(Tail ? _mm512_maskz_loadu_epi32(mask, src) : _mm512_loadu_si512(src));
-  StoreNarrowed<TE, Tail>(trg, NarrowLanes<TE, SE>(x), mask);
+  StoreNarrowed<TE, Tail>(trg, NarrowLanes<TE, SE, 32>(x), mask);
 }
 
 // A table of 256 bytes, held in four registers and looked up 64 bytes at a time by two byte
